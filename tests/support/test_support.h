@@ -1,0 +1,46 @@
+// Helpers shared by the test suites.
+#ifndef KAVO_TESTS_SUPPORT_TEST_SUPPORT_H
+#define KAVO_TESTS_SUPPORT_TEST_SUPPORT_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kavo/host/log/log.h"
+#include "kavo/push/common/push_error.h"
+
+namespace KavoTest {
+
+// Installs an analytics exception hook for its lifetime and records every report.
+class ReportRecorder {
+public:
+    ReportRecorder();
+    ~ReportRecorder();
+    ReportRecorder(const ReportRecorder&) = delete;
+    ReportRecorder& operator=(const ReportRecorder&) = delete;
+
+    std::vector<std::pair<int, std::string>> Reports() const;
+    void Clear();
+
+private:
+    struct State;
+    State* state_;
+};
+
+// Sets an environment variable for the scope, restoring the previous value afterwards.
+class ScopedEnv {
+public:
+    ScopedEnv(std::string name, const char* value);
+    ~ScopedEnv();
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    std::string name_;
+    bool hadValue_ = false;
+    std::string oldValue_;
+};
+
+}  // namespace KavoTest
+
+#endif  // KAVO_TESTS_SUPPORT_TEST_SUPPORT_H
