@@ -15,7 +15,12 @@ int32_t ComputeByteCount(int32_t width, int32_t height, PixelFormat format)
     if (width <= 0 || height <= 0 || bpp == 0) {
         return 0;
     }
-    int64_t total = static_cast<int64_t>(width) * bpp * static_cast<int64_t>(height);
+    // Row bytes are checked first, so the product below stays within 62 bits.
+    int64_t rowBytes = static_cast<int64_t>(width) * bpp;
+    if (rowBytes > std::numeric_limits<int32_t>::max()) {
+        return 0;
+    }
+    int64_t total = rowBytes * static_cast<int64_t>(height);
     if (total > std::numeric_limits<int32_t>::max()) {
         return 0;
     }

@@ -76,6 +76,7 @@ TEST(PixelMapTest, MalformedHeadersAreRefusedQuickly)
         {"byte count does not match", 4, 4, rgba, 60, 64},
         {"data runs past the parcel", 4, 4, rgba, 64, 32},
         {"65536 x 65536 overflows", 65536, 65536, rgba, 0, 16},
+        {"row bytes alone overflow 32 bits", 1684275456, 1677746944, rgba, 0, 0},
         {"huge but consistent size, no data", 16384, 32767, rgba, 2147352576, 0},
     };
     for (const auto& c : cases) {
