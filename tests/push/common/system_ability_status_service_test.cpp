@@ -92,7 +92,9 @@ struct TaskCase {
     std::vector<std::pair<int, Sas::Status>> registry;
     int abilityId;
     std::vector<PushBaseRsp> attempts;  // what each call of the task returns
-    int reportStartedAfterMs;           // >= 0: another thread reports STARTED this long after the first call
+    // >= 0: another thread reports STARTED this long after the first call; long enough for the
+    // runner to have read the registry as stopped, short enough to land within the wait.
+    int reportStartedAfterMs;
     int calls;
     int err;
     int inner;
@@ -131,7 +133,7 @@ const std::vector<TaskCase>& TaskCases()
           L{Kavo::LOG_WARN, "Begin do task for ability:401 again"}},
          1},
         {"second failure after the wait is marked", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}}, BUNDLE,
-         {fail, failWithInner, ok}, 0, 2, 1000900001, 100000143,
+         {fail, failWithInner, ok}, 10, 2, 1000900001, 100000143,
          {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
           L{Kavo::LOG_WARN, "Begin do task for ability:401 again"}, L{Kavo::LOG_ERROR, "Sa interface invoke fail"}},
          1},
@@ -198,7 +200,7 @@ TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
 
 TEST_F(SystemAbilityStatusServiceTest, WaitEndsAtTheFirstPollThatSeesTheServiceStarted)
 {
-    // Long polls, so ten of them would be obvious; the report comes before the first one ends.
+    // Long polls, so ten of them would be obvious; the report comes within the first one.
     Sas::SetPollIntervalForTesting(60);
     Fill({{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}});
     int calls = 0;
@@ -206,7 +208,10 @@ TEST_F(SystemAbilityStatusServiceTest, WaitEndsAtTheFirstPollThatSeesTheServiceS
     auto start = Clock::now();
     PushBaseRsp rsp = Sas::DoSystemAbilityTaskWithRetry(BUNDLE, [&]() {
         if (calls++ == 0) {
-            reporter = std::thread([] { Sas::SetStatus(BUNDLE, Sas::STARTED); });
+            reporter = std::thread([] {
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                Sas::SetStatus(BUNDLE, Sas::STARTED);
+            });
             return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL);
         }
         return PushBaseRsp();
