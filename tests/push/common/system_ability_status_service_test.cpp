@@ -117,7 +117,8 @@ const std::vector<TaskCase>& TaskCases()
          0},
         {"no anchor returns the failure unchanged", {{BUNDLE, Sas::STOPPED}}, BUNDLE, {failWithInner, ok}, -1, 1,
          1000900001, 100000016,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"}, L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
+         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
+          L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
          0},
         {"started service marks the failure as its own", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STARTED}}, BUNDLE,
          {badParam, ok}, -1, 1, 401, 100000143,
@@ -159,7 +160,8 @@ const std::vector<TaskCase>& TaskCases()
          0},
         {"the retry code of another ability is not waited for", {}, BUNDLE, {waitCode, ok}, -1, 1, 1000900001,
          100000155,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"}, L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
+         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
+          L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
          0},
     };
     return cases;

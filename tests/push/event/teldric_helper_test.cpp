@@ -31,9 +31,8 @@ protected:
     static void RecordEventsInto(std::vector<Event>& events)
     {
         TeldricHelper::RegisterAddEventMethod(
-            [&events](ComponentCode component, std::string const& api, ApiStatusCode status, std::string const& detail) {
-                events.emplace_back(component, api, status, detail);
-            });
+            [&events](ComponentCode component, std::string const& api, ApiStatusCode status,
+                      std::string const& detail) { events.emplace_back(component, api, status, detail); });
     }
 };
 
@@ -175,8 +174,9 @@ TEST_F(TeldricHelperTest, LogAndReportWritesOneErrorLineThenOneReport)
     for (const auto& c : cases) {
         std::vector<std::pair<int, std::string>> reports;
         if (c.hook) {
-            TeldricHelper::SetReportException(
-                [&reports](PushInnerError const& inner, std::string const& desc) { reports.emplace_back(inner, desc); });
+            TeldricHelper::SetReportException([&reports](PushInnerError const& inner, std::string const& desc) {
+                reports.emplace_back(inner, desc);
+            });
         }
         Kavo::LogCapture capture;
         PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", 7);
