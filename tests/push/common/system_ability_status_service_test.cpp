@@ -175,6 +175,7 @@ TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
         Kavo::LogCapture capture;
         std::thread reporter;
         size_t calls = 0;
+        std::vector<size_t> linesBeforeCall;
         auto task = [&]() {
             if (calls == 0 && c.reportStartedAfterMs >= 0) {
                 int id = c.abilityId;
@@ -184,6 +185,8 @@ TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
                     Sas::SetStatus(id, Sas::STARTED);
                 });
             }
+            // "Begin do task" precedes the first attempt, "... again" the second.
+            linesBeforeCall.push_back(capture.Lines().size());
             return c.attempts[calls++];
         };
         auto start = Clock::now();
@@ -196,6 +199,9 @@ TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
         EXPECT_EQ(rsp.GetErrAsInt32(), c.err) << c.name;
         EXPECT_EQ(rsp.GetInnerErr(), c.inner) << c.name;
         EXPECT_EQ(Entries(capture), c.log) << c.name;
+        for (size_t i = 0; i < linesBeforeCall.size(); ++i) {
+            EXPECT_EQ(linesBeforeCall[i], i + 1) << c.name << ", attempt " << i + 1;
+        }
         EXPECT_GE(waited, std::chrono::milliseconds(c.minPolls * POLL_MS)) << c.name;
     }
 }

@@ -173,18 +173,21 @@ TEST_F(TeldricHelperTest, LogAndReportWritesOneErrorLineThenOneReport)
     KavoTest::ScopedEnv privacy("KAVO_LOG_PRIVATE", nullptr);
     for (const auto& c : cases) {
         std::vector<std::pair<int, std::string>> reports;
+        Kavo::LogCapture capture;
+        size_t linesAtReport = 0;
         if (c.hook) {
-            TeldricHelper::SetReportException([&reports](PushInnerError const& inner, std::string const& desc) {
+            TeldricHelper::SetReportException([&](PushInnerError const& inner, std::string const& desc) {
+                linesAtReport = capture.Lines().size();
                 reports.emplace_back(inner, desc);
             });
         }
-        Kavo::LogCapture capture;
         PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", 7);
         auto lines = capture.Lines();
         ASSERT_EQ(lines.size(), 1u) << c.name;
         EXPECT_EQ(lines[0].level, Kavo::LOG_ERROR) << c.name;
         EXPECT_EQ(lines[0].text, c.logText) << c.name;
         EXPECT_EQ(reports, c.reports) << c.name;
+        EXPECT_EQ(linesAtReport, c.hook ? 1u : 0u) << c.name << ": the line is written before the report";
         TeldricHelper::SetReportException(nullptr);
     }
 }
