@@ -64,7 +64,7 @@ std::string CallWith(F&& f, const std::vector<int>& stars, const Arg& arg)
 
 struct ConversionCase {
     const char* name;
-    const char* spec;  // the conversion after '%', without a privacy marker
+    const char* conversion;  // the conversion after '%', without a privacy marker
     std::vector<int> stars;
     Arg arg;
 };
@@ -125,8 +125,8 @@ class LogFormatTest : public ::testing::Test {};
 TEST_F(LogFormatTest, PublicConversionPrintsExactlyAsPrintf)
 {
     for (const auto& c : ConversionCases()) {
-        std::string logFmt = std::string("[%{public}") + c.spec + "] %{public}d";
-        std::string printfFmt = std::string("[%") + c.spec + "] %d";
+        std::string logFmt = std::string("[%{public}") + c.conversion + "] %{public}d";
+        std::string printfFmt = std::string("[%") + c.conversion + "] %d";
         auto viaLog = [&](auto... a) { return FormatLog(false, logFmt.c_str(), a...); };
         auto viaPrintf = [&](auto... a) { return Printf(printfFmt.c_str(), a...); };
         EXPECT_EQ(CallWith(viaLog, c.stars, c.arg), CallWith(viaPrintf, c.stars, c.arg)) << c.name;
@@ -138,7 +138,7 @@ TEST_F(LogFormatTest, MaskedConversionPrintsPrivateAndStillConsumesItsArguments)
     const char* markers[] = {"%", "%{private}"};
     for (const auto& c : ConversionCases()) {
         for (const char* marker : markers) {
-            std::string logFmt = std::string("[") + marker + c.spec + "] %{public}d";
+            std::string logFmt = std::string("[") + marker + c.conversion + "] %{public}d";
             auto viaLog = [&](auto... a) { return FormatLog(false, logFmt.c_str(), a...); };
             EXPECT_EQ(CallWith(viaLog, c.stars, c.arg), "[<private>] " + std::to_string(SENTINEL))
                 << c.name << " with " << marker;
@@ -149,8 +149,8 @@ TEST_F(LogFormatTest, MaskedConversionPrintsPrivateAndStillConsumesItsArguments)
 TEST_F(LogFormatTest, ShowPrivatePrintsMaskedConversionsAsPrintf)
 {
     for (const auto& c : ConversionCases()) {
-        std::string logFmt = std::string("[%{private}") + c.spec + "] %d";
-        std::string printfFmt = std::string("[%") + c.spec + "] %d";
+        std::string logFmt = std::string("[%{private}") + c.conversion + "] %d";
+        std::string printfFmt = std::string("[%") + c.conversion + "] %d";
         auto viaLog = [&](auto... a) { return FormatLog(true, logFmt.c_str(), a...); };
         auto viaPrintf = [&](auto... a) { return Printf(printfFmt.c_str(), a...); };
         EXPECT_EQ(CallWith(viaLog, c.stars, c.arg), CallWith(viaPrintf, c.stars, c.arg)) << c.name;
