@@ -77,59 +77,40 @@ TEST(PushCurve25519HelperTest, GeneratedKeyMaterialAgreesWithItsDer)
     EXPECT_FALSE(SignatureVerifies(otherMaterial, der, "push token request"));
 }
 
-TEST(PushCurve25519HelperTest, KeyMaterialStopsAtTheFirstUnreadableKey)
+// Each export stops at its first failure and leaves its output untouched.
+TEST(PushCurve25519HelperTest, UnusableKeysAreRefused)
 {
     const unsigned char raw[32] = {1, 2, 3};
     struct Case {
         const char* behaviour;
         PkeyPtr key;
+        bool der;  // GetPublicKeyForDerFormat rather than BuildCurve25519KeyMaterial
         const char* desc;
         const char* logText;
     };
     Case cases[] = {
         {"a public-only key has no private key to read",
-         PkeyPtr(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, raw, sizeof(raw))),
+         PkeyPtr(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, raw, sizeof(raw))), false,
          "add private key to material failed", "BuildCurve25519KeyMaterial: Add Private Key to Material Failed"},
-        {"an Ed448 public key does not fit 32 bytes", PkeyPtr(EVP_PKEY_Q_keygen(nullptr, nullptr, "ED448")),
+        {"an Ed448 public key does not fit 32 bytes", PkeyPtr(EVP_PKEY_Q_keygen(nullptr, nullptr, "ED448")), false,
          "add public key to material failed", "BuildCurve25519KeyMaterial: Add Public Key to Material Failed"},
-        {"a P-256 key has no raw form", PkeyPtr(EVP_EC_gen("P-256")), "add public key to material failed",
+        {"a P-256 key has no raw form", PkeyPtr(EVP_EC_gen("P-256")), false, "add public key to material failed",
          "BuildCurve25519KeyMaterial: Add Public Key to Material Failed"},
+        {"a key without contents has no DER", PkeyPtr(EVP_PKEY_new()), true, "public der key length invalid",
+         "GetPublicKeyForDerFormat: Public Der Key Length Invalid"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.behaviour);
         ASSERT_NE(c.key, nullptr);
         Kavo::LogCapture log;
-        SecureString material("untouched");
-        PushBaseRsp rsp = PushCurve25519Helper::BuildCurve25519KeyMaterial(102, c.key.get(), material);
+        SecureString out("untouched");
+        PushBaseRsp rsp = c.der ? PushCurve25519Helper::GetPublicKeyForDerFormat(c.key.get(), out)
+                                : PushCurve25519Helper::BuildCurve25519KeyMaterial(102, c.key.get(), out);
         EXPECT_EQ(rsp.GetErr(), Kavo::Push::PUSH_ERR_SYSTEM_INTERNAL);
         EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_EQ(material, "untouched");
-        ASSERT_EQ(log.Texts().size(), 1u);
-        EXPECT_EQ(log.Texts()[0], c.logText);
+        EXPECT_EQ(out, "untouched");
+        EXPECT_EQ(log.Texts(), std::vector<std::string>{c.logText});
     }
-}
-
-TEST(PushCurve25519HelperTest, KeyMaterialCarriesTheCallersAlgorithm)
-{
-    PkeyPtr key(EVP_PKEY_Q_keygen(nullptr, nullptr, "X25519"));
-    SecureString material;
-    ASSERT_TRUE(PushCurve25519Helper::BuildCurve25519KeyMaterial(7, key.get(), material).Succeed());
-    EXPECT_EQ(Word(material, 0), 7u);
-    unsigned char pub[32];
-    size_t length = sizeof(pub);
-    ASSERT_EQ(EVP_PKEY_get_raw_public_key(key.get(), pub, &length), 1);
-    EXPECT_EQ(material.substr(20, 32), std::string(reinterpret_cast<char*>(pub), sizeof(pub)));
-}
-
-TEST(PushCurve25519HelperTest, KeyWithoutEncodingHasNoDer)
-{
-    PkeyPtr empty(EVP_PKEY_new());
-    Kavo::LogCapture log;
-    SecureString der("untouched");
-    PushBaseRsp rsp = PushCurve25519Helper::GetPublicKeyForDerFormat(empty.get(), der);
-    EXPECT_EQ(rsp.GetErrDescription(), "public der key length invalid");
-    EXPECT_EQ(der, "untouched");
-    EXPECT_EQ(log.Texts(), std::vector<std::string>{"GetPublicKeyForDerFormat: Public Der Key Length Invalid"});
 }
 
 }  // namespace

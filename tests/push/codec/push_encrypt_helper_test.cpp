@@ -9,6 +9,7 @@
 
 namespace {
 
+using Kavo::Push::HexCoderConvert;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushEncryptHelper;
 
@@ -41,13 +42,9 @@ TEST(PushEncryptHelperTest, KnownAnswersInEveryForm)
         ASSERT_TRUE(PushEncryptHelper::EncryptWithSha256Base64(c.data, base64).Succeed());
         unsigned char digest[PushEncryptHelper::SHA256_DIGEST_BYTES] = {};
         PushEncryptHelper::Sha256(c.data, digest);
-        std::string raw(reinterpret_cast<const char*>(digest), sizeof(digest));
-        EXPECT_EQ(hex.size(), 64u);
-        EXPECT_EQ(base64.size(), 44u);
-        EXPECT_EQ(base64.back(), '=');
-        EXPECT_EQ(Kavo::Push::HexCoderConvert::HexStream2Byte(hex), raw) << "hex and raw digest agree";
         EXPECT_EQ(hex, c.hex);
         EXPECT_EQ(base64, c.base64);
+        EXPECT_EQ(HexCoderConvert::HexStream2Byte(c.hex), std::string(digest, digest + sizeof(digest)));
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 namespace {
@@ -16,41 +15,18 @@ std::string MemoryBytes(T value)
     return std::string(reinterpret_cast<const char*>(&value), sizeof(value));
 }
 
-TEST(SymbolConvertTest, StreamsAreBigEndianAndMatchTheSwappedValue)
+TEST(SymbolConvertTest, StreamsAreBigEndianAndMatchTheConvertedValue)
 {
-    struct Case {
-        const char* behaviour;
-        std::string stream;
-        std::string swapped;
-        std::string expected;
-    };
-    const Case cases[] = {
-        {"one byte is itself", SymbolConvert::Host2NetStreamUint8(0xAB), MemoryBytes(uint8_t{0xAB}), "\xAB"},
-        {"16 bits most significant first", SymbolConvert::Host2NetStreamUint16(0x0102),
-         MemoryBytes(SymbolConvert::Host2NetUint16(0x0102)), "\x01\x02"},
-        {"16909060 is 01 02 03 04", SymbolConvert::Host2NetStreamUint32(16909060),
-         MemoryBytes(SymbolConvert::Host2NetUint32(16909060)), "\x01\x02\x03\x04"},
-        {"64 bits with the halves exchanged", SymbolConvert::Host2NetStreamUint64(0x0102030405060708ULL),
-         MemoryBytes(SymbolConvert::Host2NetUint64(0x0102030405060708ULL)), "\x01\x02\x03\x04\x05\x06\x07\x08"},
-        {"zero stays eight zero bytes", SymbolConvert::Host2NetStreamUint64(0),
-         MemoryBytes(SymbolConvert::Host2NetUint64(0)), std::string(8, '\0')},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.behaviour);
-        EXPECT_EQ(c.stream, c.expected);
-        EXPECT_EQ(c.swapped, c.expected);
-    }
-}
-
-TEST(SymbolConvertTest, ConversionsRoundTrip)
-{
-    for (uint64_t value : {0ULL, 1ULL, 0x0102030405060708ULL, 0xFFFFFFFF00000000ULL, ~0ULL}) {
-        SCOPED_TRACE(value);
+    const uint64_t wide = 0x0102030405060708ULL;
+    EXPECT_EQ(SymbolConvert::Host2NetStreamUint8(0xAB), "\xAB");
+    EXPECT_EQ(SymbolConvert::Host2NetStreamUint16(0x0102), "\x01\x02");
+    EXPECT_EQ(SymbolConvert::Host2NetStreamUint32(16909060), "\x01\x02\x03\x04");
+    EXPECT_EQ(SymbolConvert::Host2NetStreamUint64(wide), "\x01\x02\x03\x04\x05\x06\x07\x08");
+    EXPECT_EQ(MemoryBytes(SymbolConvert::Host2NetUint16(0x0102)), SymbolConvert::Host2NetStreamUint16(0x0102));
+    EXPECT_EQ(MemoryBytes(SymbolConvert::Host2NetUint32(16909060)), SymbolConvert::Host2NetStreamUint32(16909060));
+    EXPECT_EQ(MemoryBytes(SymbolConvert::Host2NetUint64(wide)), SymbolConvert::Host2NetStreamUint64(wide));
+    for (uint64_t value : {uint64_t{0}, wide, uint64_t{0xFFFFFFFF00000000ULL}, ~uint64_t{0}}) {
         EXPECT_EQ(SymbolConvert::Net2HostUint64(SymbolConvert::Host2NetUint64(value)), value);
-        auto low = static_cast<uint32_t>(value);
-        EXPECT_EQ(SymbolConvert::Net2HostUint32(SymbolConvert::Host2NetUint32(low)), low);
-        auto small = static_cast<uint16_t>(value);
-        EXPECT_EQ(SymbolConvert::Net2HostUint16(SymbolConvert::Host2NetUint16(small)), small);
     }
 }
 
@@ -70,29 +46,16 @@ TEST(SymbolConvertTest, HexDigits)
         {"a non-hex low digit is added whole", '1', 'G', 0x20},
         {"'z' counts as 35 on both sides", 'z', 'z', 0x53},
         {"punctuation below ':' counts from '0'", '/', '0', 0xF0},
+        {"a byte above 0x7f wraps in eight bits", '\xE1', '0', 0x10},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.behaviour);
-        EXPECT_EQ(SymbolConvert::Hex2Byte(c.high, c.low), c.byte);
+        EXPECT_EQ(SymbolConvert::Hex2Byte(c.high, c.low), c.byte) << c.behaviour;
     }
     EXPECT_EQ(SymbolConvert::Byte2Hex(0x0A), "0A");
     EXPECT_EQ(SymbolConvert::Byte2Hex(0xFF), "FF");
-    EXPECT_EQ(SymbolConvert::Byte2Hex(0x00), "00");
     for (int byte = 0; byte < 256; ++byte) {
         auto hex = SymbolConvert::Byte2Hex(static_cast<uint8_t>(byte));
         ASSERT_EQ(SymbolConvert::Hex2Byte(hex[0], hex[1]), byte);
-    }
-}
-
-TEST(SymbolConvertTest, ToUpperTouchesAsciiLettersOnly)
-{
-    struct Case {
-        char in;
-        char out;
-    };
-    const Case cases[] = {{'a', 'A'}, {'z', 'Z'}, {'Q', 'Q'}, {'`', '`'}, {'{', '{'}, {'5', '5'}, {'\xE1', '\xE1'}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(SymbolConvert::ToUpper(c.in), c.out) << static_cast<int>(c.in);
     }
 }
 
