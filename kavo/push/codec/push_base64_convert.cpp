@@ -7,6 +7,7 @@
 #include <climits>
 #include <vector>
 
+#include "kavo/host/secure/securec.h"
 #include "kavo/push/event/report_log.h"
 
 namespace Kavo::Push {
@@ -36,17 +37,22 @@ SecureString EncodeThrough(BIO* b64Bio, BIO* memBio, const unsigned char* data, 
 }
 
 // Reads once, for at most as many bytes as the text has: the decoded data is never longer.
+// The scratch buffer may hold a decoded key, so it is zeroed before it goes back.
 SecureString DecodeThrough(BIO* b64Bio, BIO* memBio, size_t length)
 {
     std::vector<unsigned char> buffer(length, 0);
     BIO_push(b64Bio, memBio);
     BIO_set_flags(b64Bio, BIO_FLAGS_BASE64_NO_NL);
     size_t readBytes = 0;
-    if (BIO_read_ex(b64Bio, buffer.data(), length, &readBytes) != 1 || readBytes == 0) {
+    int ok = BIO_read_ex(b64Bio, buffer.data(), length, &readBytes);
+    SecureString result =
+        ok == 1 ? SecureString(reinterpret_cast<const char*>(buffer.data()), readBytes) : EMPTY_RESULT;
+    (void)Kavo::memset_s(buffer.data(), buffer.size(), 0, buffer.size());
+    if (ok != 1 || readBytes == 0) {
         PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Decode error: bio read fail");
         return EMPTY_RESULT;
     }
-    return SecureString(reinterpret_cast<const char*>(buffer.data()), readBytes);
+    return result;
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ TEST_F(DcmAttestTest, AnswersFollowTheSlotsAndTheControls)
         uint32_t expectCount;
     };
     const Case cases[] = {
-        {"three certificates fill four slots, the fourth left as prepared", {full, full, full, full}, 1, 0, -1, -1, 0, 3},
+        {"three certificates fill four slots, the fourth as prepared", {full, full, full, full}, 1, 0, -1, -1, 0, 3},
         {"fewer slots than certificates limit the chain", {full, full}, 1, 0, -1, -1, 0, 2},
         {"a certificate larger than its slot is refused, nothing written", {full, 64, full}, 1, 0, -1, -1,
          DCM_ERR_SLOT_TOO_SMALL, 3},

@@ -68,11 +68,14 @@ TEST(ByteDecoderTest, ReadsCheckTheRangeFirstAndLeaveOutAloneOnFailure)
         {"int64 one byte short reports the offset", Read(&ByteDecoder::DecodeAsInt64), std::string(9, 'x'), 2,
          untouched, "Cannot decode data(9) for out of range(2)"},
         {"char reads the last byte", Read(&ByteDecoder::DecodeAsChar), "xyz", 2, 'z', nullptr},
-        {"int8 of empty data", Read(&ByteDecoder::DecodeAsInt8), "", 0, 0x5A, "Cannot decode data(0) for out of range(0)"},
+        {"int8 of empty data", Read(&ByteDecoder::DecodeAsInt8), "", 0, 0x5A,
+         "Cannot decode data(0) for out of range(0)"},
         {"run of 3 at offset 2 is the last three bytes", ReadRun(3), "abcde", 2, HashOf("cde"), nullptr},
-        {"run of 3 at offset 4", ReadRun(3), "abcde", 4, HashOf("previous"), "Cannot decode data(5) for out of range(4)"},
+        {"run of 3 at offset 4", ReadRun(3), "abcde", 4, HashOf("previous"),
+         "Cannot decode data(5) for out of range(4)"},
         {"run of 0 at the end is empty", ReadRun(0), "abcde", 5, HashOf(""), nullptr},
-        {"run of 0 past the end", ReadRun(0), "abcde", 6, HashOf("previous"), "Cannot decode data(5) for out of range(6)"},
+        {"run of 0 past the end", ReadRun(0), "abcde", 6, HashOf("previous"),
+         "Cannot decode data(5) for out of range(6)"},
     };
     KavoTest::ScopedEnv showPrivate("KAVO_LOG_PRIVATE", "show");
     for (const Case& c : cases) {
