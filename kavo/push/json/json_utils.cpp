@@ -21,6 +21,9 @@ Json::StreamWriterBuilder MakeWriterBuilder(bool compact)
     builder["emitUTF8"] = true;
     if (compact) {
         builder["indentation"] = "";
+        // A comment kept from a parsed text would be written as "// note{..." on the one line
+        // and swallow the rest of the text when read back, so the compact form drops them.
+        builder["commentStyle"] = "None";
     }
     return builder;
 }

@@ -22,7 +22,8 @@ public:
     static PushBaseRsp Str2Json(const std::string& text, Json::Value& root);
     // Indented text (the writer's default indentation); characters outside ASCII stay UTF-8.
     static void Json2Str(const Json::Value& root, std::string& text);
-    // Compact text on one line; characters outside ASCII stay UTF-8.
+    // Compact text on one line; characters outside ASCII stay UTF-8. Comments kept from a
+    // parsed text are left out (the indented form keeps them).
     static std::string Json2Str(const Json::Value& root);
 
     // Typed reads: `value` receives the member `key` of the object `root` when it has the

@@ -100,6 +100,22 @@ TEST(JsonTextTest, Json2StrFormsDifferOnlyInIndentation)
     }
 }
 
+TEST(JsonTextTest, TextsParsedWithCommentsReadBackInBothForms)
+{
+    Json::Value root;
+    ASSERT_TRUE(JsonUtils::Str2Json("// pushed by the console\n{\"k\": /* seconds */ 1}", root).Succeed());
+    std::string indented;
+    JsonUtils::Json2Str(root, indented);
+    const std::string compact = JsonUtils::Json2Str(root);
+    EXPECT_EQ(compact, "{\"k\":1}");
+    EXPECT_NE(indented.find("// pushed by the console"), std::string::npos) << "the indented form keeps comments";
+    for (const std::string& text : {compact, indented}) {
+        Json::Value back;
+        ASSERT_TRUE(JsonUtils::Str2Json(text, back).Succeed()) << text;
+        EXPECT_EQ(back, root);
+    }
+}
+
 enum class Reader { INT, INT_NO_DEFAULT, INT64, UINT8, UINT, STRING, STRING_NO_DEFAULT };
 
 // Runs one typed read with a distinctive default (7, or "dflt") and prints what it gave.

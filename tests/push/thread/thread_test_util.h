@@ -26,9 +26,13 @@ inline int CurrentTid()
     return static_cast<int>(syscall(SYS_gettid));
 }
 
-// Threads of this process, as the kernel lists them.
+// Threads of this process, as the kernel lists them. The first call starts and joins one
+// thread, so helper threads that a runtime starts with the first thread (ThreadSanitizer has
+// one) are already counted in any baseline.
 inline size_t LiveThreadCount()
 {
+    static const bool warmedUp = (std::thread([] {}).join(), true);
+    (void)warmedUp;
     size_t count = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
         (void)entry;
@@ -51,10 +55,15 @@ inline bool WaitForThreadCount(size_t count, std::chrono::milliseconds timeout =
     return true;
 }
 
-// Records what the monitors report. Must outlive the threads it watches: wait for Quiet()
-// before it goes.
+// Records what the monitors report. It outlives the threads it watches: going out of scope
+// waits until the process is back to the threads it had when the tracker was made.
 class ThreadTracker {
 public:
+    ThreadTracker() : baseline_(LiveThreadCount()) {}
+    ~ThreadTracker() { WaitForThreadCount(baseline_); }
+    ThreadTracker(const ThreadTracker&) = delete;
+    ThreadTracker& operator=(const ThreadTracker&) = delete;
+
     Kavo::Push::PushThreadWorkerInterface::StartMonitor OnStart()
     {
         return [this](std::shared_ptr<Kavo::Push::PushThreadWorkerInterface> const& worker, std::string const& name,
@@ -77,13 +86,17 @@ public:
         };
     }
 
-    // Waits until at least `starts` threads started and every started thread has ended.
+    // Waits until at least `starts` threads started, every started thread has ended, and no
+    // thread created since is still on its way to its start. Once every insert has returned,
+    // this means every task inserted has run.
     bool Quiet(size_t starts = 0, std::chrono::milliseconds timeout = 30s)
     {
         std::unique_lock<std::mutex> lock(mutex_);
-        return changed_.wait_for(lock, timeout, [&] {
+        bool ended = changed_.wait_for(lock, timeout, [&] {
             return startTids_.size() >= starts && exitTids_.size() == startTids_.size();
         });
+        lock.unlock();
+        return ended && WaitForThreadCount(baseline_, timeout);
     }
 
     std::vector<int> StartTids() const { return Locked(startTids_); }
@@ -103,6 +116,7 @@ private:
         return field;
     }
 
+    const size_t baseline_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::weak_ptr<Kavo::Push::PushThreadWorkerInterface> worker_;
