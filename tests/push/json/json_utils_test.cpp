@@ -118,45 +118,23 @@ TEST(JsonTextTest, TextsParsedWithCommentsReadBackInBothForms)
 
 enum class Reader { INT, INT_NO_DEFAULT, INT64, UINT8, UINT, STRING, STRING_NO_DEFAULT };
 
-// Runs one typed read with a distinctive default (7, or "dflt") and prints what it gave.
+// Runs one typed read with a distinctive default (7, or "dflt") over a stale value, and
+// prints what it gave.
 std::string Read(Reader reader, const Json::Value& root, const std::string& key)
 {
+    int i = -99;
+    long l = -99;
+    unsigned char u8 = 99;
+    unsigned int u = 99;
+    std::string s = "stale";
     switch (reader) {
-        case Reader::INT: {
-            int v = -99;
-            JsonUtils::ParseInt(root, key, v, 7);
-            return std::to_string(v);
-        }
-        case Reader::INT_NO_DEFAULT: {
-            int v = -99;
-            JsonUtils::ParseInt(root, key, v);
-            return std::to_string(v);
-        }
-        case Reader::INT64: {
-            long v = -99;
-            JsonUtils::ParseInt64(root, key, v, 7);
-            return std::to_string(v);
-        }
-        case Reader::UINT8: {
-            unsigned char v = 99;
-            JsonUtils::ParseUInt8(root, key, v, 7);
-            return std::to_string(v);
-        }
-        case Reader::UINT: {
-            unsigned int v = 99;
-            JsonUtils::ParseUint(root, key, v, 7);
-            return std::to_string(v);
-        }
-        case Reader::STRING: {
-            std::string v = "stale";
-            JsonUtils::ParseString(root, key, v, "dflt");
-            return v;
-        }
-        case Reader::STRING_NO_DEFAULT: {
-            std::string v = "stale";
-            JsonUtils::ParseString(root, key, v);
-            return v;
-        }
+        case Reader::INT: JsonUtils::ParseInt(root, key, i, 7); return std::to_string(i);
+        case Reader::INT_NO_DEFAULT: JsonUtils::ParseInt(root, key, i); return std::to_string(i);
+        case Reader::INT64: JsonUtils::ParseInt64(root, key, l, 7); return std::to_string(l);
+        case Reader::UINT8: JsonUtils::ParseUInt8(root, key, u8, 7); return std::to_string(u8);
+        case Reader::UINT: JsonUtils::ParseUint(root, key, u, 7); return std::to_string(u);
+        case Reader::STRING: JsonUtils::ParseString(root, key, s, "dflt"); return s;
+        case Reader::STRING_NO_DEFAULT: JsonUtils::ParseString(root, key, s); return s;
     }
     return "unreachable";
 }
@@ -175,7 +153,6 @@ TEST(JsonTypedReadTest, EveryMismatchGivesTheDefault)
         {"int member reads", Reader::INT, R"({"k": -42})", "k", "-42"},
         {"int on an array root gives the default", Reader::INT, R"([1, 2])", "k", "7"},
         {"int on a null root gives the default", Reader::INT, "null", "k", "7"},
-        {"int on a scalar root gives the default", Reader::INT, "5", "k", "7"},
         {"int on a missing key gives the default", Reader::INT, R"({"j": 1})", "k", "7"},
         {"int on a numeric string gives the default", Reader::INT, R"({"k": "42"})", "k", "7"},
         {"int on a bool gives the default", Reader::INT, R"({"k": true})", "k", "7"},
@@ -183,15 +160,12 @@ TEST(JsonTypedReadTest, EveryMismatchGivesTheDefault)
         {"int on a whole double reads it", Reader::INT, R"({"k": 3.0})", "k", "3"},
         {"int above the int range gives the default", Reader::INT, R"({"k": 2147483648})", "k", "7"},
         {"int below the int range gives the default", Reader::INT, R"({"k": -2147483649})", "k", "7"},
-        {"int on an object member gives the default", Reader::INT, R"({"k": {"k": 1}})", "k", "7"},
         {"int without default on a missing key gives 0", Reader::INT_NO_DEFAULT, R"({})", "k", "0"},
-        {"int without default reads the member", Reader::INT_NO_DEFAULT, R"({"k": 5})", "k", "5"},
         {"the empty key is a key like any other", Reader::INT, R"({"": 11})", "", "11"},
         {"int64 reads past the int range", Reader::INT64, R"({"k": 9007199254740993})", "k", "9007199254740993"},
         {"int64 reads the most negative value", Reader::INT64, R"({"k": -9223372036854775808})", "k",
          "-9223372036854775808"},
         {"int64 above its range gives the default", Reader::INT64, R"({"k": 9223372036854775808})", "k", "7"},
-        {"int64 on a string gives the default", Reader::INT64, R"({"k": "1"})", "k", "7"},
         {"uint8 keeps the low 8 bits of 300", Reader::UINT8, R"({"k": 300})", "k", "44"},
         {"uint8 reads -1 as 255", Reader::UINT8, R"({"k": -1})", "k", "255"},
         {"uint8 reads 256 as 0", Reader::UINT8, R"({"k": 256})", "k", "0"},
@@ -201,11 +175,9 @@ TEST(JsonTypedReadTest, EveryMismatchGivesTheDefault)
         {"uint reads the int maximum", Reader::UINT, R"({"k": 2147483647})", "k", "2147483647"},
         {"uint above the int maximum gives the default", Reader::UINT, R"({"k": 2147483648})", "k", "7"},
         {"uint at the unsigned maximum gives the default", Reader::UINT, R"({"k": 4294967295})", "k", "7"},
-        {"uint on a missing key gives the default", Reader::UINT, R"({})", "k", "7"},
         {"string member reads", Reader::STRING, R"({"k": "v\u00e9"})", "k", "v\xC3\xA9"},
         {"string on a number gives the default", Reader::STRING, R"({"k": 1})", "k", "dflt"},
         {"string on null gives the default", Reader::STRING, R"({"k": null})", "k", "dflt"},
-        {"string on an array root gives the default", Reader::STRING, R"(["k"])", "k", "dflt"},
         {"string without default on a missing key gives an empty text", Reader::STRING_NO_DEFAULT, R"({})", "k",
          ""},
     };
@@ -215,15 +187,6 @@ TEST(JsonTypedReadTest, EveryMismatchGivesTheDefault)
         ASSERT_TRUE(JsonUtils::Str2Json(c.json, root).Succeed());
         EXPECT_EQ(Read(c.reader, root, c.key), c.expected);
     }
-}
-
-TEST(JsonTypedReadTest, StringReadKeepsAnEmbeddedZero)
-{
-    Json::Value root;
-    ASSERT_TRUE(JsonUtils::Str2Json(R"({"k": "a\u0000b"})", root).Succeed());
-    std::string value;
-    JsonUtils::ParseString(root, "k", value, "dflt");
-    EXPECT_EQ(value, std::string("a\0b", 3));
 }
 
 }  // namespace
