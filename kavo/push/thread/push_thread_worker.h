@@ -48,7 +48,8 @@ public:
     PushThreadWorker& operator=(const PushThreadWorker&) = delete;
 
     // A thread that cannot be created lets the system error reach the caller; the task stays
-    // queued and the threads that did start are counted.
+    // queued and the threads that did start are counted. Whatever a task throws (an empty
+    // task throws std::bad_function_call) is not caught and ends the process.
     bool InsertTask(std::function<void()>&& task) override;
     void RegisterThreadMonitor(StartMonitor const& onStart) override;
     void UnRegisterThreadMonitor(ExitMonitor const& onExit) override;
