@@ -100,20 +100,18 @@ TEST(JsonTextTest, Json2StrFormsDifferOnlyInIndentation)
     }
 }
 
-TEST(JsonTextTest, TextsParsedWithCommentsReadBackInBothForms)
+TEST(JsonTextTest, CommentsOfAParsedTextAreWrittenBackByBothForms)
 {
     Json::Value root;
     ASSERT_TRUE(JsonUtils::Str2Json("// pushed by the console\n{\"k\": /* seconds */ 1}", root).Succeed());
     std::string indented;
     JsonUtils::Json2Str(root, indented);
     const std::string compact = JsonUtils::Json2Str(root);
-    EXPECT_EQ(compact, "{\"k\":1}");
-    EXPECT_NE(indented.find("// pushed by the console"), std::string::npos) << "the indented form keeps comments";
-    for (const std::string& text : {compact, indented}) {
-        Json::Value back;
-        ASSERT_TRUE(JsonUtils::Str2Json(text, back).Succeed()) << text;
-        EXPECT_EQ(back, root);
-    }
+    EXPECT_EQ(compact.find("// pushed by the console"), 0u) << "the writer's default comment style holds";
+    EXPECT_NE(indented.find("// pushed by the console"), std::string::npos);
+    Json::Value back;
+    ASSERT_TRUE(JsonUtils::Str2Json(indented, back).Succeed()) << indented;
+    EXPECT_EQ(back, root);
 }
 
 enum class Reader { INT, INT_NO_DEFAULT, INT64, UINT8, UINT, STRING, STRING_NO_DEFAULT };
