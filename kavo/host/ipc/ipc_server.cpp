@@ -224,7 +224,7 @@ void IpcServer::RunConnection(Connection& connection)
 
 bool IpcServer::ServeTransaction(Connection& connection)
 {
-    // An idle connection waits without a deadline; Stop() wakes it by shutting the socket down.
+    // An idle connection waits without a deadline; Stop() wakes it by shutting the read side.
     if (internal::WaitReadable(connection.fd, internal::Deadline()) != IpcResult::OK) {
         return false;
     }
@@ -300,9 +300,10 @@ void IpcServer::Stop()
     {
         std::lock_guard<std::mutex> lock(mutex_);
         stopping_ = true;
+        // Shutting the read side ends every wait for a request; a reply being written still goes out.
         for (const auto& connection : connections_) {
             if (connection->fd >= 0) {
-                shutdown(connection->fd, SHUT_RDWR);
+                shutdown(connection->fd, SHUT_RD);
             }
         }
         Wake();

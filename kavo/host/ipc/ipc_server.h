@@ -58,8 +58,8 @@ public:
     bool Serve(int fd);
     // Blocks until no connection is left and every connection thread is joined.
     void WaitUntilIdle();
-    // Closes the listening socket and every connection, waits for running handlers and joins all
-    // threads. The server serves nothing afterwards.
+    // Closes the listening socket and every connection, waits for running handlers (whose replies
+    // are still sent) and joins all threads. The server serves nothing afterwards.
     void Stop();
 
     // Connections whose threads are not yet joined.
