@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 #include <vector>
@@ -202,7 +203,10 @@ void IpcServer::ReapFinished()
         connection->thread.join();
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    connections_.remove_if([](const std::unique_ptr<Connection>& connection) { return connection->done; });
+    // Only the joined ones: another connection may have finished since they were collected.
+    connections_.remove_if([&finished](const std::unique_ptr<Connection>& connection) {
+        return std::find(finished.begin(), finished.end(), connection.get()) != finished.end();
+    });
     if (connections_.empty()) {
         idle_.notify_all();
     }
