@@ -49,10 +49,7 @@ struct IpcServer::Connection {
     std::thread thread;
 };
 
-IpcServer::IpcServer(Handler handler, IpcServerOptions options)
-    : handler_(std::move(handler)), options_(options)
-{
-}
+IpcServer::IpcServer(Handler handler, IpcServerOptions options) : handler_(std::move(handler)), options_(options) {}
 
 IpcServer::~IpcServer()
 {

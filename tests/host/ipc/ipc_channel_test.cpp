@@ -10,11 +10,11 @@
 namespace {
 
 using namespace std::chrono_literals;
+using IpcTest::Bytes;
 using Kavo::IpcClient;
 using Kavo::IpcResult;
 using Kavo::IpcServer;
 using Kavo::Parcel;
-using IpcTest::Bytes;
 
 constexpr int32_t UNTOUCHED = 0x5A5A5A5A;
 
@@ -71,25 +71,26 @@ TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTh
         bool connectedAfter;
     };
     const Bytes seven = {7, 0, 0, 0};
+    constexpr IpcResult TOO_LARGE = IpcResult::FRAME_TOO_LARGE;
     Bytes cutReply = IpcTest::ReplyFrame(0, seven);
     cutReply.resize(cutReply.size() - 2);
     const Case cases[] = {
         {"an OK frame fills the reply", {IpcTest::ReplyFrame(0, seven), false}, 64, IpcResult::OK, true},
-        {"a declined request keeps the connection", {IpcTest::ReplyFrame(1, {}), false}, 64, IpcResult::REFUSED,
-         true},
+        {"a declined request keeps the connection", {IpcTest::ReplyFrame(1, {}), false}, 64, IpcResult::REFUSED, true},
         {"a peer that closes without a byte is gone", {{}, true}, 64, IpcResult::PEER_GONE, false},
         {"a stream that ends inside the length word", {{8, 0}, true}, 64, IpcResult::SHORT_FRAME, false},
         {"a stream that ends inside the reply bytes", {cutReply, true}, 64, IpcResult::SHORT_FRAME, false},
         {"a frame too short for its status word", {{2, 0, 0, 0, 0, 0}, false}, 64, IpcResult::SHORT_FRAME, false},
-        {"a reply past the reply parcel's capacity", {IpcTest::ReplyFrame(0, Bytes(20)), false}, 16,
-         IpcResult::FRAME_TOO_LARGE, false},
-        {"a reply exactly at the reply parcel's capacity", {IpcTest::ReplyFrame(0, Bytes(16)), false}, 16,
-         IpcResult::OK, true},
+        {"a reply past the reply's capacity", {IpcTest::ReplyFrame(0, Bytes(20)), false}, 16, TOO_LARGE, false},
+        {"a reply exactly at the reply's capacity",
+         {IpcTest::ReplyFrame(0, Bytes(16)), false},
+         16,
+         IpcResult::OK,
+         true},
         {"a status word no server sends", {IpcTest::ReplyFrame(99, {}), false}, 64, IpcResult::BAD_FRAME, false},
         {"a server naming its deadline", {IpcTest::ReplyFrame(3, {}), true}, 64, IpcResult::DEADLINE_PASSED, false},
         {"a silent peer outlives the deadline", {{}, false}, 64, IpcResult::DEADLINE_PASSED, false},
-        {"half a frame then silence outlives the deadline", {cutReply, false}, 64, IpcResult::DEADLINE_PASSED,
-         false},
+        {"half a frame then silence outlives the deadline", {cutReply, false}, 64, IpcResult::DEADLINE_PASSED, false},
     };
     for (const auto& c : cases) {
         Parcel request;
@@ -106,8 +107,8 @@ TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTh
         } else {
             EXPECT_EQ(reply.ReadInt32(), UNTOUCHED) << c.name;
         }
-        EXPECT_EQ(client_.Transact(request, reply, 100ms), c.connectedAfter ? IpcResult::PEER_GONE
-                                                                             : IpcResult::NOT_CONNECTED)
+        EXPECT_EQ(client_.Transact(request, reply, 100ms),
+                  c.connectedAfter ? IpcResult::PEER_GONE : IpcResult::NOT_CONNECTED)
             << c.name << ": the next transaction";
     }
 }
@@ -140,10 +141,11 @@ class ChannelRoundTrip : public ::testing::Test {
 protected:
     static constexpr size_t MAX_FRAME = 8192;
 
-    ChannelRoundTrip()
-        : server_([](Parcel& request, Parcel& reply) { return reply.WriteBuffer(request.GetData(), request.GetDataSize()); },
-                  Kavo::IpcServerOptions{2000ms, MAX_FRAME, 8})
+    ChannelRoundTrip() : server_(Echo, Kavo::IpcServerOptions{2000ms, MAX_FRAME, 8}) {}
+
+    static bool Echo(Parcel& request, Parcel& reply)
     {
+        return reply.WriteBuffer(request.GetData(), request.GetDataSize());
     }
 
     IpcTest::SocketDir dir_;

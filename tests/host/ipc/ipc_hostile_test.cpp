@@ -14,11 +14,11 @@
 namespace {
 
 using namespace std::chrono_literals;
+using IpcTest::Bytes;
 using Kavo::IpcClient;
 using Kavo::IpcResult;
 using Kavo::IpcServer;
 using Kavo::Parcel;
-using IpcTest::Bytes;
 
 constexpr size_t MAX_FRAME = 64 * 1024;
 constexpr int FRAMES = 3000;
@@ -81,7 +81,8 @@ Attack MakeAttack(std::mt19937& rng, const Bytes& real, int index)
     auto below = [&rng](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(rng); };
     Bytes prefix(real.begin(), real.begin() + static_cast<long>(below(real.size())));
     if (index % 300 == 299) {  // a frame that stops and waits, past the server's deadline
-        return {IpcTest::RequestFrame(static_cast<uint32_t>(real.size()), prefix), false, Bit(IpcResult::DEADLINE_PASSED)};
+        return {IpcTest::RequestFrame(static_cast<uint32_t>(real.size()), prefix), false,
+                Bit(IpcResult::DEADLINE_PASSED)};
     }
     switch (below(7)) {
         case 0:
@@ -107,7 +108,8 @@ Attack MakeAttack(std::mt19937& rng, const Bytes& real, int index)
             return {IpcTest::RequestFrame(word, prefix), false, Bit(IpcResult::FRAME_TOO_LARGE)};
         }
         case 5:  // the full length word, part of the parcel, then the end of the stream
-            return {IpcTest::RequestFrame(static_cast<uint32_t>(real.size()), prefix), true, Bit(IpcResult::SHORT_FRAME)};
+            return {IpcTest::RequestFrame(static_cast<uint32_t>(real.size()), prefix), true,
+                    Bit(IpcResult::SHORT_FRAME)};
         default:  // the end of the stream inside the length word
             return {Bytes(real.begin(), real.begin() + 1 + static_cast<long>(below(3))), true,
                     Bit(IpcResult::SHORT_FRAME)};
@@ -131,7 +133,8 @@ void Flood(const std::string& path, int out)
         }
         IpcTest::Answer answer = IpcTest::ReadAnswer(fd, 5000);
         ++findings.sent;
-        bool allowed = sent && answer.framed && answer.status < RESULT_KINDS && (attack.allowed & (1u << answer.status));
+        bool allowed =
+            sent && answer.framed && answer.status < RESULT_KINDS && (attack.allowed & (1u << answer.status));
         if (answer.framed && answer.status < RESULT_KINDS) {
             ++findings.observed[answer.status];
         }

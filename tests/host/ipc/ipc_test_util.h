@@ -94,7 +94,7 @@ inline bool RecvExact(int fd, uint8_t* out, size_t size, int timeoutMs)
 struct Answer {
     bool framed = false;  // a whole reply frame with its status word arrived
     uint32_t status = 0;
-    Bytes data;           // the bytes after the status word
+    Bytes data;  // the bytes after the status word
 };
 
 // Reads one reply frame from a server (at most `maxData` bytes after the status word).
@@ -244,7 +244,8 @@ public:
         size_t done = 0;
         while (done < size) {
             pollfd entry{out_[0], POLLIN, 0};
-            ssize_t n = poll(&entry, 1, timeoutMs) > 0 ? read(out_[0], static_cast<char*>(out) + done, size - done) : -1;
+            ssize_t n =
+                poll(&entry, 1, timeoutMs) > 0 ? read(out_[0], static_cast<char*>(out) + done, size - done) : -1;
             if (n <= 0) {
                 return false;
             }
