@@ -115,7 +115,9 @@ bool IpcServer::Serve(int fd)
         return false;
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    if (stopping_ || connections_.size() >= options_.maxConnections || !StartSupervisorLocked()) {
+    size_t live = static_cast<size_t>(std::count_if(connections_.begin(), connections_.end(),
+                                                    [](const std::unique_ptr<Connection>& c) { return !c->done; }));
+    if (stopping_ || live >= options_.maxConnections || !StartSupervisorLocked()) {
         close(fd);
         return false;
     }

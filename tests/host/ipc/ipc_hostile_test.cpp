@@ -166,7 +166,7 @@ TEST(HostilePeer, FloodOfBrokenFramesIsAnsweredFrameByFrameAndLeavesNothingBehin
     IpcTest::ChildPeer child([&](int out) { Flood(path, out); });
 
     const size_t fdsBefore = IpcTest::OpenFdCount();
-    const size_t threadsBefore = IpcTest::ThreadCount();
+    const size_t threadsBefore = IpcTest::ThreadBaseline();
     IpcServer server(HandleStructured, Kavo::IpcServerOptions{50ms, MAX_FRAME, 16});
     ASSERT_TRUE(server.Listen(path));
     std::atomic<bool> flooding{true};

@@ -77,7 +77,7 @@ class ServerAgainstRawPeer : public ::testing::Test {
 protected:
     static constexpr size_t MAX_FRAME = 4096;
 
-    ServerAgainstRawPeer() : server_(Handle, Kavo::IpcServerOptions{100ms, MAX_FRAME, 8})
+    ServerAgainstRawPeer() : server_(Handle, Kavo::IpcServerOptions{100ms, MAX_FRAME})
     {
         EXPECT_TRUE(server_.Listen(dir_.Path("raw.sock")));
     }
@@ -182,7 +182,7 @@ TEST(ServingThreadIdentity, CallingUidIsThePeersKernelUidWhateverThePeerClaims)
 TEST(ServerLifecycle, NoThreadOrDescriptorOutlivesItsConnection)
 {
     const size_t fdsBefore = IpcTest::OpenFdCount();
-    const size_t threadsBefore = IpcTest::ThreadCount();
+    const size_t threadsBefore = IpcTest::ThreadBaseline();
     IpcTest::SocketDir dir;
     const std::string path = dir.Path("life.sock");
     {
@@ -194,8 +194,8 @@ TEST(ServerLifecycle, NoThreadOrDescriptorOutlivesItsConnection)
         const size_t threadsListening = IpcTest::ThreadCount();
         for (int i = 0; i < 20; ++i) {
             EXPECT_EQ(EchoThrough(path, i), i);
+            server.WaitUntilIdle();  // the connection's thread is joined once its peer has left
         }
-        server.WaitUntilIdle();
         EXPECT_TRUE(Eventually([&] { return IpcTest::ThreadCount() == threadsListening; }));
         EXPECT_EQ(IpcTest::OpenFdCount(), fdsListening);
 

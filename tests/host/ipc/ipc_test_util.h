@@ -193,6 +193,14 @@ inline size_t ThreadCount()
     return 0;
 }
 
+// The thread count to come back to. A first thread is started and joined before counting, since
+// a sanitizer runtime starts a helper thread of its own alongside the process's first thread.
+inline size_t ThreadBaseline()
+{
+    std::thread([] {}).join();
+    return ThreadCount();
+}
+
 // Polls `condition` for up to two seconds (a joined thread leaves the kernel's count a moment later).
 inline bool Eventually(const std::function<bool()>& condition)
 {
