@@ -1,6 +1,6 @@
 // Helpers of the channel suites: raw frames written and read without the library (so the suites
-// check its wire form instead of trusting it), socket paths in a private folder, and counts of
-// the process's open descriptors and threads. Each helper is for one thread at a time.
+// check its wire form instead of trusting it), forked peers, and counts of the process's open
+// descriptors and threads. Each helper is for one thread at a time.
 #ifndef KAVO_TESTS_HOST_IPC_IPC_TEST_UTIL_H
 #define KAVO_TESTS_HOST_IPC_IPC_TEST_UTIL_H
 
@@ -9,16 +9,13 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -29,60 +26,51 @@ namespace IpcTest {
 
 using Bytes = std::vector<uint8_t>;
 
-inline void AppendWord(Bytes& out, uint32_t value)
+// An abstract socket name of this process, so parallel runs never meet.
+inline std::string SocketName(const char* name)
 {
-    for (int i = 0; i < 4; ++i) {
-        out.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    }
+    return "@kavo-ipc-" + std::to_string(getpid()) + "-" + name;
 }
 
-// A request frame: the length word, then the bytes (the word need not match them).
-inline Bytes RequestFrame(uint32_t lengthWord, const Bytes& bytes)
+// Length word (which need not match), then the bytes; a reply frame puts its status word first.
+inline Bytes Frame(uint32_t lengthWord, const Bytes& bytes, const Bytes& head = {})
 {
     Bytes frame;
-    AppendWord(frame, lengthWord);
+    for (int i = 0; i < 4; ++i) {
+        frame.push_back(static_cast<uint8_t>(lengthWord >> (8 * i)));
+    }
+    frame.insert(frame.end(), head.begin(), head.end());
     frame.insert(frame.end(), bytes.begin(), bytes.end());
     return frame;
+}
+
+inline Bytes Word(uint32_t value)
+{
+    return Frame(value, {});
 }
 
 inline Bytes RequestFrame(const Bytes& bytes)
 {
-    return RequestFrame(static_cast<uint32_t>(bytes.size()), bytes);
+    return Frame(static_cast<uint32_t>(bytes.size()), bytes);
 }
 
-// A reply frame as a server writes it: length word, status word, the parcel's bytes.
 inline Bytes ReplyFrame(uint32_t status, const Bytes& bytes)
 {
-    Bytes frame;
-    AppendWord(frame, static_cast<uint32_t>(4 + bytes.size()));
-    AppendWord(frame, status);
-    frame.insert(frame.end(), bytes.begin(), bytes.end());
-    return frame;
+    return Frame(static_cast<uint32_t>(4 + bytes.size()), bytes, Word(status));
 }
 
 inline bool SendBytes(int fd, const Bytes& bytes)
 {
-    size_t done = 0;
-    while (done < bytes.size()) {
-        ssize_t n = send(fd, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
-        if (n <= 0) {
-            return false;
-        }
-        done += static_cast<size_t>(n);
-    }
-    return true;
+    return bytes.empty() || send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-// Reads exactly `size` bytes within `timeoutMs`; false on end of stream, error or timeout.
-inline bool RecvExact(int fd, uint8_t* out, size_t size, int timeoutMs)
+// Reads exactly `size` bytes (from a socket or a pipe) within `timeoutMs`; false on end of
+// stream, error or timeout.
+inline bool RecvExact(int fd, void* out, size_t size, int timeoutMs)
 {
-    size_t done = 0;
-    while (done < size) {
+    for (size_t done = 0; done < size;) {
         pollfd entry{fd, POLLIN, 0};
-        if (poll(&entry, 1, timeoutMs) <= 0) {
-            return false;
-        }
-        ssize_t n = recv(fd, out + done, size - done, 0);
+        ssize_t n = poll(&entry, 1, timeoutMs) > 0 ? read(fd, static_cast<uint8_t*>(out) + done, size - done) : -1;
         if (n <= 0) {
             return false;
         }
@@ -97,100 +85,60 @@ struct Answer {
     Bytes data;  // the bytes after the status word
 };
 
-// Reads one reply frame from a server (at most `maxData` bytes after the status word).
-inline Answer ReadAnswer(int fd, int timeoutMs, size_t maxData = 1 << 20)
+inline Answer ReadAnswer(int fd, int timeoutMs)
 {
     Answer answer;
-    uint8_t word[4];
-    if (!RecvExact(fd, word, 4, timeoutMs)) {
-        return answer;
+    uint8_t word[8];
+    if (RecvExact(fd, word, 8, timeoutMs)) {
+        uint32_t size = word[0] | word[1] << 8 | word[2] << 16;
+        answer.status = word[4] | word[5] << 8 | word[6] << 16 | static_cast<uint32_t>(word[7]) << 24;
+        answer.data.resize(size >= 4 ? size - 4 : 0);
+        answer.framed = size >= 4 && RecvExact(fd, answer.data.data(), answer.data.size(), timeoutMs);
     }
-    uint32_t size = word[0] | (word[1] << 8) | (word[2] << 16) | (static_cast<uint32_t>(word[3]) << 24);
-    if (size < 4 || size - 4 > maxData || !RecvExact(fd, word, 4, timeoutMs)) {
-        return answer;
-    }
-    answer.status = word[0] | (word[1] << 8) | (word[2] << 16) | (static_cast<uint32_t>(word[3]) << 24);
-    answer.data.resize(size - 4);
-    answer.framed = answer.data.empty() || RecvExact(fd, answer.data.data(), answer.data.size(), timeoutMs);
     return answer;
 }
 
 // True when the peer has closed: the next read reports end of stream (or a reset) in time.
 inline bool PeerClosed(int fd, int timeoutMs)
 {
-    pollfd entry{fd, POLLIN, 0};
-    if (poll(&entry, 1, timeoutMs) <= 0) {
-        return false;
-    }
     uint8_t byte = 0;
-    return recv(fd, &byte, 1, MSG_DONTWAIT) <= 0;
+    pollfd entry{fd, POLLIN, 0};
+    return poll(&entry, 1, timeoutMs) > 0 && recv(fd, &byte, 1, MSG_DONTWAIT) <= 0;
 }
 
-inline int ConnectTo(const std::string& path)
+inline int ConnectRaw(const std::string& abstractName)
 {
-    int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path.c_str(), sizeof(address.sun_path) - 1);
-    if (fd >= 0 && connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+    abstractName.copy(address.sun_path + 1, sizeof(address.sun_path) - 2, 1);
+    socklen_t length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + abstractName.size());
+    int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd >= 0 && connect(fd, reinterpret_cast<const sockaddr*>(&address), length) != 0) {
         close(fd);
         fd = -1;
     }
     return fd;
 }
 
-// A private folder for socket paths that any uid may reach, removed with everything in it.
-class SocketDir {
-public:
-    SocketDir()
-    {
-        char pattern[] = "/tmp/kavo-ipc-XXXXXX";
-        dir_ = mkdtemp(pattern) != nullptr ? pattern : "/tmp";
-        chmod(dir_.c_str(), 0777);
-    }
-    ~SocketDir()
-    {
-        if (DIR* dir = opendir(dir_.c_str())) {
-            while (dirent* entry = readdir(dir)) {
-                if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-                    unlink(Path(entry->d_name).c_str());
-                }
-            }
-            closedir(dir);
-        }
-        rmdir(dir_.c_str());
-    }
-    SocketDir(const SocketDir&) = delete;
-    SocketDir& operator=(const SocketDir&) = delete;
-
-    std::string Path(const std::string& name) const { return dir_ + "/" + name; }
-
-private:
-    std::string dir_;
-};
-
 inline size_t OpenFdCount()
 {
     size_t count = 0;
-    if (DIR* dir = opendir("/proc/self/fd")) {
-        while (readdir(dir) != nullptr) {
-            ++count;
-        }
-        closedir(dir);
+    DIR* dir = opendir("/proc/self/fd");
+    while (dir != nullptr && readdir(dir) != nullptr) {
+        ++count;
     }
-    return count;
+    return dir != nullptr && closedir(dir) == 0 ? count : 0;
 }
 
 inline size_t ThreadCount()
 {
     std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("Threads:", 0) == 0) {
-            return std::strtoul(line.c_str() + 8, nullptr, 10);
-        }
+    std::string key;
+    size_t value = 0;
+    while (status >> key && key != "Threads:") {
     }
-    return 0;
+    status >> value;
+    return value;
 }
 
 // The thread count to come back to. A first thread is started and joined before counting, since
@@ -204,68 +152,42 @@ inline size_t ThreadBaseline()
 // Polls `condition` for up to two seconds (a joined thread leaves the kernel's count a moment later).
 inline bool Eventually(const std::function<bool()>& condition)
 {
-    for (int i = 0; i < 200; ++i) {
-        if (condition()) {
-            return true;
-        }
+    for (int i = 0; i < 200 && !condition(); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return condition();
 }
 
-// A child process forked at construction, while the test process still has a single thread.
-// It waits for Go(), runs `body` with a descriptor to write its findings to, and exits.
-class ChildPeer {
-public:
-    explicit ChildPeer(const std::function<void(int)>& body)
+// Forks a child while the test process still has one thread. The child waits for a byte on `go`,
+// runs `body` with the write end of `out` for its findings, and exits; the parent keeps the rest.
+struct ForkedPeer {
+    explicit ForkedPeer(const std::function<void(int)>& body)
     {
-        if (pipe2(go_, O_CLOEXEC) != 0 || pipe2(out_, O_CLOEXEC) != 0) {
-            return;
-        }
-        pid_ = fork();
-        if (pid_ == 0) {
+        if (pipe2(go, O_CLOEXEC) == 0 && pipe2(out, O_CLOEXEC) == 0 && (pid = fork()) == 0) {
             char byte = 0;
-            if (read(go_[0], &byte, 1) == 1) {
-                body(out_[1]);
+            if (read(go[0], &byte, 1) == 1) {
+                body(out[1]);
             }
             _exit(0);
         }
-        close(go_[0]);
-        close(out_[1]);
+        close(out[1]);
     }
-    ~ChildPeer()
+    ~ForkedPeer()
     {
-        close(go_[1]);
-        close(out_[0]);
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
+        close(go[1]);
+        close(go[0]);
+        close(out[0]);
+        if (pid > 0) {
+            kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
         }
     }
-    ChildPeer(const ChildPeer&) = delete;
-    ChildPeer& operator=(const ChildPeer&) = delete;
+    void Go() { (void)!write(go[1], "g", 1); }
+    bool Read(void* findings, size_t size, int timeoutMs) { return RecvExact(out[0], findings, size, timeoutMs); }
 
-    void Go() { (void)!write(go_[1], "g", 1); }
-    // Reads exactly `size` bytes of the child's findings; false when it exited without them.
-    bool Read(void* out, size_t size, int timeoutMs)
-    {
-        size_t done = 0;
-        while (done < size) {
-            pollfd entry{out_[0], POLLIN, 0};
-            ssize_t n =
-                poll(&entry, 1, timeoutMs) > 0 ? read(out_[0], static_cast<char*>(out) + done, size - done) : -1;
-            if (n <= 0) {
-                return false;
-            }
-            done += static_cast<size_t>(n);
-        }
-        return true;
-    }
-
-private:
-    int go_[2] = {-1, -1};
-    int out_[2] = {-1, -1};
-    pid_t pid_ = -1;
+    int go[2] = {-1, -1};
+    int out[2] = {-1, -1};
+    pid_t pid = -1;
 };
 
 }  // namespace IpcTest
