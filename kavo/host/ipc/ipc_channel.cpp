@@ -154,7 +154,11 @@ IpcResult IpcClient::Transact(const Parcel& request, Parcel& reply, std::chrono:
     }
     size_t capacity = reply.GetMaxCapacity();
     size_t maxReply = capacity > SIZE_MAX - STATUS_SIZE ? SIZE_MAX : capacity + STATUS_SIZE;
-    IpcResult received = internal::ReadFrame(fd_, maxReply, until, buffer_);
+    // The reply is rarely there yet: wait first rather than try a read that would come back empty.
+    IpcResult received = internal::WaitReadable(fd_, until);
+    if (received == IpcResult::OK) {
+        received = internal::ReadFrame(fd_, maxReply, until, buffer_);
+    }
     if (received != IpcResult::OK) {
         return Fail(received);
     }

@@ -59,7 +59,8 @@ public:
     // Blocks until no connection is left and every connection thread is joined.
     void WaitUntilIdle();
     // Closes the listening socket and every connection, waits for running handlers (whose replies
-    // are still sent) and joins all threads. The server serves nothing afterwards.
+    // are still sent) and joins all threads. The server serves nothing afterwards. Not to be called
+    // from a handler, which would wait for itself.
     void Stop();
 
     // Connections whose threads are not yet joined.
