@@ -1,0 +1,61 @@
+// Remote objects of the platform's inter-process channel, as the host platform models them: a
+// remote object carries an interface descriptor and the service behind it, and iface_cast gives
+// that service as an interface when the descriptors match. Objects are immutable after
+// construction and may be shared across threads.
+//
+//   sptr<IRemoteObject> remote = AsRemoteObject<IBundleMgr>(MakeSptr<MyBundleMgr>());
+//   sptr<IBundleMgr> mgr = iface_cast<IBundleMgr>(remote);  // null on a descriptor mismatch
+#ifndef KAVO_HOST_IPC_IREMOTE_OBJECT_H
+#define KAVO_HOST_IPC_IREMOTE_OBJECT_H
+
+#include <string>
+#include <utility>
+
+#include "kavo/host/host_export.h"
+#include "kavo/host/ipc/ref_base.h"
+
+namespace Kavo {
+
+// Base of every service interface.
+class KAVO_HOST_EXPORT IRemoteBroker : public virtual RefBase {
+public:
+    ~IRemoteBroker() override = default;
+};
+
+class KAVO_HOST_EXPORT IRemoteObject : public virtual RefBase {
+public:
+    IRemoteObject(std::u16string descriptor, sptr<IRemoteBroker> broker)
+        : descriptor_(std::move(descriptor)), broker_(std::move(broker))
+    {
+    }
+    ~IRemoteObject() override = default;
+
+    const std::u16string& GetObjectDescriptor() const { return descriptor_; }
+    const sptr<IRemoteBroker>& GetBroker() const { return broker_; }
+
+private:
+    std::u16string descriptor_;
+    sptr<IRemoteBroker> broker_;
+};
+
+// The remote object of a service, announced under the descriptor of interface I.
+template <typename I>
+sptr<IRemoteObject> AsRemoteObject(const sptr<I>& service)
+{
+    return MakeSptr<IRemoteObject>(I::GetDescriptor(), sptr<IRemoteBroker>(service));
+}
+
+// The interface I of a remote object: null for a null object, a descriptor other than
+// I::GetDescriptor(), or a service that does not implement I.
+template <typename I>
+sptr<I> iface_cast(const sptr<IRemoteObject>& remote)
+{
+    if (remote == nullptr || remote->GetObjectDescriptor() != I::GetDescriptor() || remote->GetBroker() == nullptr) {
+        return nullptr;
+    }
+    return sptr<I>(dynamic_cast<I*>(remote->GetBroker().GetRefPtr()));
+}
+
+}  // namespace Kavo
+
+#endif  // KAVO_HOST_IPC_IREMOTE_OBJECT_H
