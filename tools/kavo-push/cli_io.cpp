@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <limits>
@@ -99,8 +100,7 @@ std::string Arguments::Value(const std::string& name, const std::string& fallbac
     return found == values.end() ? fallback : found->second;
 }
 
-bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out,
-                    std::string& error)
+bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out, std::string& error)
 {
     for (size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "--") {
@@ -229,8 +229,8 @@ bool ParseInt32(const std::string& text, int32_t& value)
     errno = 0;
     char* end = nullptr;
     long long parsed = std::strtoll(text.c_str(), &end, 10);
-    if (errno != 0 || *end != '\0' || end != text.c_str() + text.size() ||
-        parsed < std::numeric_limits<int32_t>::min() || parsed > std::numeric_limits<int32_t>::max()) {
+    if (errno != 0 || end != text.c_str() + text.size() || parsed < std::numeric_limits<int32_t>::min() ||
+        parsed > std::numeric_limits<int32_t>::max()) {
         return false;
     }
     value = static_cast<int32_t>(parsed);

@@ -38,8 +38,7 @@ struct Arguments {
 
 // Fails, with `error` saying why, on an unknown or repeated option, a valued option without its
 // value and a flag given a value. A leading '-' followed by a digit is a number, not an option.
-bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out,
-                    std::string& error);
+bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out, std::string& error);
 
 // Reads all bytes of the file at `path`, or of standard input when it is "-" or empty.
 bool ReadInput(const std::string& path, std::string& data, std::string& error);

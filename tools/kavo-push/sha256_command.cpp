@@ -28,8 +28,8 @@ int RunSha256(const std::vector<std::string>& args)
     unsigned char digest[PushEncryptHelper::SHA256_DIGEST_BYTES] = {};
     PushEncryptHelper::Sha256(data, digest);
     std::string raw(reinterpret_cast<const char*>(digest), sizeof(digest));
-    std::string text = a.Has("--base64") ? std::string(Kavo::Push::PushBase64Convert::Base64Encode(raw))
-                                         : std::string(ToHex(raw));
+    std::string text =
+        a.Has("--base64") ? std::string(Kavo::Push::PushBase64Convert::Base64Encode(raw)) : std::string(ToHex(raw));
     if (text.empty()) {
         return Failed("sha256", "encoding the digest failed");
     }

@@ -95,7 +95,9 @@ TEST(CliConventionsTest, FailedOperationsExitOneWithTheirDiagnostics)
         std::vector<std::string> diagnostics;
     };
     const Case cases[] = {
-        {"a character outside the alphabet", {"base64", "decode"}, "Y!Jj",
+        {"a character outside the alphabet",
+         {"base64", "decode"},
+         "Y!Jj",
          {"kavo-push base64: input is not valid Base64", "ERROR D005300/push: Base64Decode error: bio read fail"}},
         {"the URL-safe alphabet", {"base64", "decode"}, "-_-_", {"Base64Decode error: bio read fail"}},
         {"text shorter than one group", {"base64", "decode"}, "YWJ\n", {"Base64Decode error: bio read fail"}},
@@ -107,7 +109,9 @@ TEST(CliConventionsTest, FailedOperationsExitOneWithTheirDiagnostics)
         {"a directory as input file", {"base64", "encode", dir.Path()}, "", {"cannot read " + dir.Path()}},
         {"a code that is not public", {"errors", "12345"}, "", {"kavo-push errors: 12345 is not a public error code"}},
         {"keys into a missing folder", {"keygen", "--out-dir", missing}, "", {"cannot write " + missing}},
-        {"a chain into a missing folder", {"certchain", "--challenge", "c", "--out-dir", missing}, "",
+        {"a chain into a missing folder",
+         {"certchain", "--challenge", "c", "--out-dir", missing},
+         "",
          {"cannot write " + missing + "/device.pem"}},
     };
     for (const Case& c : cases) {

@@ -34,7 +34,9 @@ std::string FromHex(const std::string& hex)
 std::string Field(const std::string& out, const std::string& name)
 {
     size_t start = out.find(name + ": ");
-    return start == std::string::npos ? "" : out.substr(start + name.size() + 2, out.find('\n', start) - start - name.size() - 2);
+    return start == std::string::npos
+               ? ""
+               : out.substr(start + name.size() + 2, out.find('\n', start) - start - name.size() - 2);
 }
 
 uint32_t Word(const std::string& material, size_t index)
@@ -62,8 +64,8 @@ void ExpectOneKeyPair(const std::string& material, const std::string& der)
     EXPECT_EQ(cursor, reinterpret_cast<const unsigned char*>(der.data()) + der.size());
     EXPECT_EQ(EVP_PKEY_get_id(fromDer.get()), EVP_PKEY_ED25519);
     ASSERT_EQ(material.size(), 84u);
-    EXPECT_EQ(std::vector<uint32_t>({Word(material, 0), Word(material, 1), Word(material, 2), Word(material, 3),
-                                     Word(material, 4)}),
+    EXPECT_EQ(std::vector<uint32_t>(
+                  {Word(material, 0), Word(material, 1), Word(material, 2), Word(material, 3), Word(material, 4)}),
               std::vector<uint32_t>({102, 256, 32, 32, 0}));
     EXPECT_EQ(material.substr(20, 32), RawPublic(fromDer.get()));
     PkeyPtr fromPrivate(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr,
@@ -95,10 +97,10 @@ TEST(KeyCommandsTest, KeygenPrintsOrWritesOneFreshKeyPair)
             struct stat info = {};
             ASSERT_EQ(stat(dir.File("key_material.bin").c_str(), &info), 0);
             EXPECT_EQ(info.st_mode & 0777, 0600u) << "the private key is for its owner alone";
-            EXPECT_EQ(RunProgram({"openssl", "pkey", "-pubin", "-inform", "DER", "-in", dir.File("public_key.der"),
-                                  "-noout"})
-                          .status,
-                      0);
+            EXPECT_EQ(
+                RunProgram({"openssl", "pkey", "-pubin", "-inform", "DER", "-in", dir.File("public_key.der"), "-noout"})
+                    .status,
+                0);
         }
     }
 }
