@@ -53,7 +53,7 @@ bool IsSpace(char c)
 }
 
 // Reads one option at args[i] into `out`, taking its value from the next argument when needed.
-bool ParseOption(const std::vector<std::string>& args, size_t& i, const OptionSpec& spec, Arguments& out,
+bool ParseOption(const std::vector<std::string>& args, size_t& i, const AcceptedOptions& accepted, Arguments& out,
                  std::string& error)
 {
     std::string name = args[i];
@@ -68,12 +68,12 @@ bool ParseOption(const std::vector<std::string>& args, size_t& i, const OptionSp
         error = "option " + name + " given twice";
         return false;
     }
-    if (Contains(spec.flags, name) && !inlineValue) {
+    if (Contains(accepted.flags, name) && !inlineValue) {
         out.flags.insert(name);
         return true;
     }
-    if (!Contains(spec.valued, name)) {
-        error = Contains(spec.flags, name) ? "option " + name + " takes no value" : "unknown option " + name;
+    if (!Contains(accepted.valued, name)) {
+        error = Contains(accepted.flags, name) ? "option " + name + " takes no value" : "unknown option " + name;
         return false;
     }
     if (!inlineValue) {
@@ -100,7 +100,8 @@ std::string Arguments::Value(const std::string& name, const std::string& fallbac
     return found == values.end() ? fallback : found->second;
 }
 
-bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out, std::string& error)
+bool ParseArguments(const std::vector<std::string>& args, const AcceptedOptions& accepted, Arguments& out,
+                    std::string& error)
 {
     for (size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "--") {
@@ -109,7 +110,7 @@ bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec
         }
         if (!IsOption(args[i])) {
             out.positional.push_back(args[i]);
-        } else if (!ParseOption(args, i, spec, out, error)) {
+        } else if (!ParseOption(args, i, accepted, out, error)) {
             return false;
         }
     }

@@ -22,7 +22,7 @@ namespace KavoTool {
 
 // The options a command accepts, all long ("--name"): flags stand alone, valued options take
 // the next argument or "--name=VALUE".
-struct OptionSpec {
+struct AcceptedOptions {
     std::vector<std::string> flags;
     std::vector<std::string> valued;
 };
@@ -38,7 +38,8 @@ struct Arguments {
 
 // Fails, with `error` saying why, on an unknown or repeated option, a valued option without its
 // value and a flag given a value. A leading '-' followed by a digit is a number, not an option.
-bool ParseArguments(const std::vector<std::string>& args, const OptionSpec& spec, Arguments& out, std::string& error);
+bool ParseArguments(const std::vector<std::string>& args, const AcceptedOptions& accepted, Arguments& out,
+                    std::string& error);
 
 // Reads all bytes of the file at `path`, or of standard input when it is "-" or empty.
 bool ReadInput(const std::string& path, std::string& data, std::string& error);

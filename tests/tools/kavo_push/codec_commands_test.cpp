@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,7 +36,6 @@ TEST(CodecCommandsTest, FixedInputsGiveKnownOutputs)
         {"decoding with its line break", {"base64", "decode"}, "Zm9vYmE=\n", "fooba"},
         {"decoding wrapped text with CRLF", {"base64", "decode"}, "Zm9v\r\nYmFy\r\n", "foobar"},
         {"decoding to binary bytes", {"base64", "decode"}, "APv/", std::string("\0\xfb\xff", 3)},
-        {"decoding only white space", {"base64", "decode"}, " \n", ""},
         {"digest of abc", {"sha256"}, "abc", ABC_SHA256 + "\n"},
         {"digest of nothing", {"sha256"}, "", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n"},
         {"digest of two blocks",
@@ -48,9 +46,7 @@ TEST(CodecCommandsTest, FixedInputsGiveKnownOutputs)
         {"addresses lose every second digit", {"mask", "192.168.1.10", "fe80::1"}, "", "1*2.*6*.1.*0\nf*8*::1\n"},
         {"without TEXT each input line is masked", {"mask"}, "abcdef\nab-cd\n", "a*c*e*\na*-c*\n"},
         {"a wifi tag", {"mask", "--tag", "wifi-aa:bb:cc:dd:ee:ff-123"}, "", "wifi-aa:bb:cc:dd:**:**-123\n"},
-        {"a plain tag keeps its first half", {"mask", "--tag", "eth0-1234"}, "", "eth0*****\n"},
         {"one code and its message", {"errors", "1000900002"}, "", "1000900002\tPush extension does not exist.\n"},
-        {"a signed code", {"errors", "+1000900002"}, "", "1000900002\tPush extension does not exist.\n"},
         {"-- ends the options", {"mask", "--", "--tag"}, "", "--t*g\n"},
     };
     for (const Case& c : cases) {
@@ -101,21 +97,6 @@ TEST(CodecCommandsTest, FileDashAndStandardInputAgree)
             EXPECT_TRUE(run.out == c.out) << "reading " << (source.empty() ? "standard input" : source);
         }
     }
-}
-
-TEST(CodecCommandsTest, ErrorListHoldsEveryCodeItsLookupKnows)
-{
-    ToolRun list = RunTool({"errors"});
-    ASSERT_EQ(list.status, 0);
-    std::istringstream lines(list.out);
-    size_t count = 0;
-    for (std::string line; std::getline(lines, line); ++count) {
-        std::string code = line.substr(0, line.find('\t'));
-        ToolRun one = RunTool({"errors", code});
-        EXPECT_EQ(one.status, 0) << code;
-        EXPECT_EQ(one.out, line + "\n");
-    }
-    EXPECT_GT(count, 10u);
 }
 
 }  // namespace

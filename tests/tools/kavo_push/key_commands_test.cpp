@@ -21,29 +21,18 @@ using KavoTest::TempDir;
 using KavoTest::ToolRun;
 using PkeyPtr = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
 
-std::string FromHex(const std::string& hex)
+// The hex after "NAME: " on its line, as bytes.
+std::string HexField(const std::string& out, const std::string& name)
 {
     std::string bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    size_t at = out.find(name + ": ");
+    if (at == std::string::npos) {
+        return bytes;
+    }
+    for (at += name.size() + 2; at + 1 < out.size() && out[at] != '\n'; at += 2) {
+        bytes += static_cast<char>(std::stoi(out.substr(at, 2), nullptr, 16));
     }
     return bytes;
-}
-
-// The value after "NAME: " on its line.
-std::string Field(const std::string& out, const std::string& name)
-{
-    size_t start = out.find(name + ": ");
-    return start == std::string::npos
-               ? ""
-               : out.substr(start + name.size() + 2, out.find('\n', start) - start - name.size() - 2);
-}
-
-uint32_t Word(const std::string& material, size_t index)
-{
-    uint32_t word = 0;
-    std::memcpy(&word, material.data() + index * 4, 4);
-    return word;
 }
 
 std::string RawPublic(EVP_PKEY* key)
@@ -58,18 +47,17 @@ std::string RawPublic(EVP_PKEY* key)
 // key all describe that same key.
 void ExpectOneKeyPair(const std::string& material, const std::string& der)
 {
-    const unsigned char* cursor = reinterpret_cast<const unsigned char*>(der.data());
+    auto bytes = [](const std::string& s, size_t at) { return reinterpret_cast<const unsigned char*>(s.data()) + at; };
+    const unsigned char* cursor = bytes(der, 0);
     PkeyPtr fromDer(d2i_PUBKEY(nullptr, &cursor, static_cast<long>(der.size())), EVP_PKEY_free);
     ASSERT_NE(fromDer, nullptr);
-    EXPECT_EQ(cursor, reinterpret_cast<const unsigned char*>(der.data()) + der.size());
+    EXPECT_EQ(cursor, bytes(der, der.size()));
     EXPECT_EQ(EVP_PKEY_get_id(fromDer.get()), EVP_PKEY_ED25519);
     ASSERT_EQ(material.size(), 84u);
-    EXPECT_EQ(std::vector<uint32_t>(
-                  {Word(material, 0), Word(material, 1), Word(material, 2), Word(material, 3), Word(material, 4)}),
-              std::vector<uint32_t>({102, 256, 32, 32, 0}));
+    const uint32_t header[] = {102, 256, 32, 32, 0};
+    EXPECT_EQ(std::memcmp(material.data(), header, sizeof(header)), 0) << "words in host byte order";
     EXPECT_EQ(material.substr(20, 32), RawPublic(fromDer.get()));
-    PkeyPtr fromPrivate(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr,
-                                                     reinterpret_cast<const unsigned char*>(material.data()) + 52, 32),
+    PkeyPtr fromPrivate(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, bytes(material, 52), 32),
                         EVP_PKEY_free);
     ASSERT_NE(fromPrivate, nullptr);
     EXPECT_EQ(RawPublic(fromPrivate.get()), RawPublic(fromDer.get())) << "the private key belongs to the public one";
@@ -87,8 +75,8 @@ TEST(KeyCommandsTest, KeygenPrintsOrWritesOneFreshKeyPair)
         }
         ToolRun run = RunTool(args);
         ASSERT_EQ(run.status, 0) << run.err;
-        std::string material = toFiles ? dir.Read("key_material.bin") : FromHex(Field(run.out, "key-material"));
-        std::string der = toFiles ? dir.Read("public_key.der") : FromHex(Field(run.out, "public-key-der"));
+        std::string material = toFiles ? dir.Read("key_material.bin") : HexField(run.out, "key-material");
+        std::string der = toFiles ? dir.Read("public_key.der") : HexField(run.out, "public-key-der");
         ExpectOneKeyPair(material, der);
         EXPECT_NE(der, firstDer) << "every run makes a new key";
         firstDer = der;
@@ -97,10 +85,6 @@ TEST(KeyCommandsTest, KeygenPrintsOrWritesOneFreshKeyPair)
             struct stat info = {};
             ASSERT_EQ(stat(dir.File("key_material.bin").c_str(), &info), 0);
             EXPECT_EQ(info.st_mode & 0777, 0600u) << "the private key is for its owner alone";
-            EXPECT_EQ(
-                RunProgram({"openssl", "pkey", "-pubin", "-inform", "DER", "-in", dir.File("public_key.der"), "-noout"})
-                    .status,
-                0);
         }
     }
 }
@@ -152,7 +136,6 @@ TEST(KeyCommandsTest, CertchainOutputVerifiesWithOpenssl)
         ToolRun verify = RunProgram({"openssl", "verify", "-CAfile", dir.File("root.pem"), "-untrusted",
                                      dir.File("intermediate.pem"), dir.File("device.pem")});
         EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
-        EXPECT_EQ(verify.out, dir.File("device.pem") + ": OK\n");
         auto leaf = KavoTest::ParsePem(dir.Read("device.pem"));
         ASSERT_NE(leaf, nullptr);
         EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), c.challenge);
