@@ -52,9 +52,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const size_t bodySize = size - 1;
     switch (data[0] % 3) {
         case 0:
-            RecordFuzz::CheckRoundTrip<EntitySetting>(body, bodySize, [](const EntitySetting& a, const EntitySetting& b) {
-                return a == b || RecordFuzz::HasNaN(a.GetExtraInfo().get());
-            });
+            RecordFuzz::CheckRoundTrip<EntitySetting>(body, bodySize,
+                                                      [](const EntitySetting& a, const EntitySetting& b) {
+                                                          return a == b || RecordFuzz::HasNaN(a.GetExtraInfo().get());
+                                                      });
             CheckJson(body, bodySize);
             break;
         case 1:

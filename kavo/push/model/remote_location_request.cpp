@@ -19,8 +19,8 @@ sptr<RemoteLocationRequest> RemoteLocationRequest::Unmarshalling(Parcel& parcel)
     if (info == nullptr) {
         return FailNull("ExtensionMessageInfo unmarshalling error");
     }
-    auto* request = new (std::nothrow)
-        RemoteLocationRequest(info->GetSurvivalTime(), info->GetSync(), info->GetPushPayload());
+    auto* request =
+        new (std::nothrow) RemoteLocationRequest(info->GetSurvivalTime(), info->GetSync(), info->GetPushPayload());
     if (request == nullptr) {
         return FailNull("New RemoteLocationRequest error");
     }

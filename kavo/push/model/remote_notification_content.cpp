@@ -94,8 +94,8 @@ bool RemoteNotificationContent::ReadFromParcel(Parcel& parcel)
 bool RemoteNotificationContent::ReadOverlayIcon(Parcel& parcel)
 {
     // The image library hands out an owned raw pointer; the shared pointer takes it over.
-    overlayIcon_ = parcel.ReadInt32() != 0 ? std::shared_ptr<Media::PixelMap>(Media::PixelMap::Unmarshalling(parcel))
-                                           : nullptr;
+    overlayIcon_ =
+        parcel.ReadInt32() != 0 ? std::shared_ptr<Media::PixelMap>(Media::PixelMap::Unmarshalling(parcel)) : nullptr;
     if (overlayIcon_ == nullptr) {
         return FailRead("overlayIcon_ is Null");
     }

@@ -88,54 +88,68 @@ TEST_F(AllocationFailureTest, EachFailedAllocationGivesNullWithItsLines)
     };
     const Bytes info = Wire().Str("a").Str("b").I64(7).Done();
     const Bytes request = Wire().I32(30).I32(1024).I32(4096).I32(1).Append(info).Done();
-    const Bytes voipInfo = Wire().Str("t").Str("d").Str("c1").Done();
+    const Bytes voip = Wire().Str("t").Str("d").Str("c1").Done();
+    const Bytes voipRequest = Wire().I32(45).I32(1).Append(voip).Done();
+    const Bytes voipResult = Wire().Bool(true).I32(1).Append(ParamsWire()).Done();
     const Bytes extension = Wire().Bool(true).I32(60).I32(1).Str("type").Str("data").Done();
-    const Bytes agentContent = Wire().U64(0x20).I32(1).Str("ab").Bool(false).Done();
-    const Bytes pointsContent = Wire().U64(0x40).I32(1).I64(1).I64(2).I64(3).I64(4).I64(5).I64(6).Done();
+    const Bytes withAgent = Wire().U64(0x20).I32(1).Str("ab").Bool(false).Done();
+    const Bytes withPoints = Wire().U64(0x40).I32(1).I64(1).I64(2).I64(3).I64(4).I64(5).I64(6).Done();
     const Bytes result = Wire().I32(1).U64(0).Bool(true).I32(1).Append(ParamsWire()).Done();
-    const std::string contentError = "RemoteNotificationContent Unmarshalling Error";
+    const Bytes entity = Wire().U64(2).Str("e").Str("n").I32(0).I32(1).Append(ParamsWire()).Done();
+    const Decoder content = DecoderOf<RemoteNotificationContent>();
+    const Decoder location = DecoderOf<RemoteLocationRequest>();
+    const char* const contentError = "RemoteNotificationContent Unmarshalling Error";
     const Case cases[] = {
         {"time points are dropped silently", DecoderOf<MsgTimePoints>(), Wire().I64(1).Done(), 1, {}},
-        {"a want agent is dropped silently", DecoderOf<RemoteWantAgent>(), Wire().Str("ab").Bool(false).Done(), 1, {}},
-        {"a content is dropped silently", DecoderOf<RemoteNotificationContent>(), Wire().U64(0).Done(), 1, {}},
-        {"a nested want agent that is not allocated is a failed read", DecoderOf<RemoteNotificationContent>(),
-         agentContent, 2, {"Read RemoteWantAgent Error", contentError}},
-        {"a want agent that cannot be copied", DecoderOf<RemoteNotificationContent>(), agentContent, 3,
-         {"New RemoteWantAgent Error", contentError}},
-        {"time points that cannot be copied are logged only", DecoderOf<RemoteNotificationContent>(), pointsContent,
-         3, {"New MsgTimePoints error", contentError}},
-        {"an info read whole but not allocated", DecoderOf<RemoteNotificationInfo>(), info, 1,
-         {"New RemoteNotificationInfo error"}},
-        {"a request not allocated reads nothing", DecoderOf<RemoteNotificationRequest>(), request, 1,
+        {"a content is dropped silently", content, Wire().U64(0).Done(), 1, {}},
+        {"a nested want agent not allocated", content, withAgent, 2, {"Read RemoteWantAgent Error", contentError}},
+        {"a want agent that cannot be copied", content, withAgent, 3, {"New RemoteWantAgent Error", contentError}},
+        {"time points that cannot be copied", content, withPoints, 3, {"New MsgTimePoints error", contentError}},
+        {"an info", DecoderOf<RemoteNotificationInfo>(), info, 1, {"New RemoteNotificationInfo error"}},
+        {"a request reads nothing",
+         DecoderOf<RemoteNotificationRequest>(),
+         request,
+         1,
          {"New remoteNotificationRequest error"}},
-        {"a request whose info is not allocated logs both spellings", DecoderOf<RemoteNotificationRequest>(), request,
-         2, {"New RemoteNotificationInfo error", "New RemoteNotificationInfo Error"}},
-        {"a result is dropped silently", DecoderOf<RemoteNotificationResult>(), result, 1, {}},
-        {"result parameters that cannot be copied", DecoderOf<RemoteNotificationResult>(), result, 4,
+        {"a request's info logs both spellings",
+         DecoderOf<RemoteNotificationRequest>(),
+         request,
+         2,
+         {"New RemoteNotificationInfo error", "New RemoteNotificationInfo Error"}},
+        {"result parameters that cannot be copied",
+         DecoderOf<RemoteNotificationResult>(),
+         result,
+         4,
          {"New wantParams error", "New remoteNotificationResult error"}},
-        {"a VoIP info read whole but not allocated", DecoderOf<VoIPInfo>(), voipInfo, 1, {"New VoIPInfo error"}},
-        {"a VoIP request not allocated", DecoderOf<VoIPRequest>(), Wire().I32(45).I32(1).Append(voipInfo).Done(), 1,
-         {"New voipInfoRequest error"}},
-        {"a VoIP result is dropped silently", DecoderOf<VoIPResult>(), Wire().Bool(false).Done(), 1, {}},
-        {"VoIP result parameters that cannot be copied", DecoderOf<VoIPResult>(),
-         Wire().Bool(true).I32(1).Append(ParamsWire()).Done(), 3, {"New wantParams error", "New voipResult error"}},
-        {"a call report not allocated", DecoderOf<ReportVoIPCallParams>(), Wire().Str("c1").U32(1).Done(), 1,
+        {"a VoIP info", DecoderOf<VoIPInfo>(), voip, 1, {"New VoIPInfo error"}},
+        {"a VoIP request", DecoderOf<VoIPRequest>(), voipRequest, 1, {"New voipInfoRequest error"}},
+        {"VoIP result parameters",
+         DecoderOf<VoIPResult>(),
+         voipResult,
+         3,
+         {"New wantParams error", "New voipResult error"}},
+        {"a call report",
+         DecoderOf<ReportVoIPCallParams>(),
+         Wire().Str("c").U32(1).Done(),
+         1,
          {"New ReportVoIPCallParams error"}},
-        {"a payload not allocated", DecoderOf<PushPayload>(), Wire().Str("type").Str("data").Done(), 1,
-         {"New PushPayload error"}},
-        {"an extension info not allocated", DecoderOf<PushExtensionInfo>(), extension, 1,
-         {"New extensionMessageInfo error"}},
-        {"a location request whose inner info is not allocated", DecoderOf<RemoteLocationRequest>(), extension, 1,
+        {"a payload", DecoderOf<PushPayload>(), Wire().Str("t").Str("d").Done(), 1, {"New PushPayload error"}},
+        {"an extension info", DecoderOf<PushExtensionInfo>(), extension, 1, {"New extensionMessageInfo error"}},
+        {"a location request's inner info",
+         location,
+         extension,
+         1,
          {"New extensionMessageInfo error", "ExtensionMessageInfo unmarshalling error"}},
-        {"a location request not allocated after its info", DecoderOf<RemoteLocationRequest>(), extension, 3,
-         {"New RemoteLocationRequest error"}},
-        {"an entity is dropped silently", DecoderOf<EntitySetting>(), Wire().U64(0).Str("e").Str("n").Done(), 1, {}},
-        {"entity parameters that cannot be copied", DecoderOf<EntitySetting>(),
-         Wire().U64(2).Str("e").Str("n").I32(0).I32(1).Append(ParamsWire()).Done(), 3,
+        {"a location request after its info", location, extension, 3, {"New RemoteLocationRequest error"}},
+        {"entity parameters",
+         DecoderOf<EntitySetting>(),
+         entity,
+         3,
          {"New WantParams error", "New EntitySetting error"}},
-        {"a subscription is dropped silently", DecoderOf<SubscribeNotificationSetting>(),
-         Wire().U64(0).Str("com.a").Done(), 1, {}},
-        {"a basic setting not allocated", DecoderOf<SubscribeNotificationBasicSetting>(), Wire().Bool(true).Done(), 1,
+        {"a basic setting",
+         DecoderOf<SubscribeNotificationBasicSetting>(),
+         Wire().Bool(true).Done(),
+         1,
          {"New SubscribeNotificationBasicSetting error"}},
     };
     for (const auto& c : cases) {

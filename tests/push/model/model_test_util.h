@@ -129,24 +129,14 @@ public:
         }
         EXPECT_EQ(reports_.Reports(), expected) << where;
     }
-    void Clear()
-    {
-        log_.Clear();
-        reports_.Clear();
-    }
 
 private:
     Kavo::LogCapture log_;
     KavoTest::ReportRecorder reports_;
 };
 
-// What reading a parcel gives: whether a record came out, and the lines logged on the way.
-struct Outcome {
-    bool decodes;
-    Texts logs;
-};
-
-// Reads one record of type T from the parcel; true when one came out.
+// Reads one record from the parcel; true when one came out (and, for EqualTo, when it is the
+// expected record and used the whole parcel).
 using Decoder = std::function<bool(Kavo::Parcel&)>;
 
 template <typename T>
@@ -155,7 +145,6 @@ Decoder DecoderOf()
     return [](Kavo::Parcel& parcel) { return T::Unmarshalling(parcel) != nullptr; };
 }
 
-// Reads one record of type T and checks that it equals `expected` and used the whole parcel.
 template <typename T>
 Decoder EqualTo(const T& expected)
 {
@@ -165,57 +154,108 @@ Decoder EqualTo(const T& expected)
     };
 }
 
-// The outcome for every cut below `end` that no earlier region claimed.
-struct Region {
-    size_t end;
-    Outcome outcome;
+// A record is written as exactly `expected`, without a line, and those bytes read back.
+struct LayoutCase {
+    const char* name;
+    std::shared_ptr<Kavo::Parcelable> record;
+    Bytes expected;
+    Decoder readBack;
 };
 
-// Cuts `bytes` at every position below its size and reads each prefix. The expected outcome of
-// a cut is that of the first region whose end lies beyond the cut.
-inline void ExpectEveryCut(const Decoder& decode, const Bytes& bytes, const std::vector<Region>& regions,
-                           const std::string& name)
+inline void ExpectLayouts(const std::vector<LayoutCase>& cases)
 {
-    ASSERT_FALSE(regions.empty());
-    ASSERT_EQ(regions.back().end, bytes.size()) << name << ": the regions must cover the whole parcel";
-    for (size_t cut = 0; cut < bytes.size(); ++cut) {
-        auto region = std::find_if(regions.begin(), regions.end(), [cut](const Region& r) { return cut < r.end; });
-        Kavo::Parcel parcel = ParcelOf(bytes, cut);
+    for (const auto& c : cases) {
         Watch watch;
-        const std::string where = name + " cut at " + std::to_string(cut);
-        EXPECT_EQ(decode(parcel), region->outcome.decodes) << where;
-        watch.Expect(region->outcome.logs, where);
+        const Bytes bytes = Marshal(*c.record);
+        EXPECT_EQ(bytes, c.expected) << c.name;
+        Kavo::Parcel parcel = ParcelOf(bytes);
+        EXPECT_TRUE(c.readBack(parcel)) << c.name;
+        watch.Expect({}, c.name);
     }
 }
 
-// Fails the record's writes at every capacity below its full size. The lines expected at a
-// capacity are those of the first region whose end lies beyond it; Marshalling always fails.
+// Reading `bytes` gives a record or not, with exactly these lines.
+struct ParcelCase {
+    const char* name;
+    Decoder decode;
+    Bytes bytes;
+    bool decodes;
+    Texts logs;
+};
+
+inline void ExpectParcels(const std::vector<ParcelCase>& cases)
+{
+    for (const auto& c : cases) {
+        Kavo::Parcel parcel = ParcelOf(c.bytes);
+        Watch watch;
+        EXPECT_EQ(c.decode(parcel), c.decodes) << c.name;
+        watch.Expect(c.logs, c.name);
+    }
+}
+
+// The outcome of every cut (or capacity) below `end` that no earlier region claimed.
+struct Region {
+    size_t end;
+    bool decodes;
+    Texts logs;
+};
+
+template <typename R>
+const R& RegionOf(const std::vector<R>& regions, size_t position)
+{
+    return *std::find_if(regions.begin(), regions.end(), [position](const R& r) { return position < r.end; });
+}
+
+// `bytes` cut at every position below its size, each prefix read on its own.
+struct CutCase {
+    const char* name;
+    Decoder decode;
+    Bytes bytes;
+    std::vector<Region> regions;
+};
+
+inline void ExpectEveryCut(const std::vector<CutCase>& cases)
+{
+    for (const auto& c : cases) {
+        ASSERT_EQ(c.regions.back().end, c.bytes.size()) << c.name << ": the regions must cover the parcel";
+        for (size_t cut = 0; cut < c.bytes.size(); ++cut) {
+            const Region& region = RegionOf(c.regions, cut);
+            Kavo::Parcel parcel = ParcelOf(c.bytes, cut);
+            Watch watch;
+            const std::string where = std::string(c.name) + " cut at " + std::to_string(cut);
+            EXPECT_EQ(c.decode(parcel), region.decodes) << where;
+            watch.Expect(region.logs, where);
+        }
+    }
+}
+
+// The record written into a parcel of every capacity below its size: Marshalling fails with
+// the lines of the region holding the capacity, and succeeds without a line at full size.
 struct WriteRegion {
     size_t end;
     Texts logs;
 };
 
-inline void ExpectEveryWriteFailure(const Kavo::Parcelable& record, const std::vector<WriteRegion>& regions,
-                                    const std::string& name)
+struct WriteCase {
+    const char* name;
+    std::shared_ptr<Kavo::Parcelable> record;
+    std::vector<WriteRegion> regions;
+};
+
+inline void ExpectEveryWriteFailure(const std::vector<WriteCase>& cases)
 {
-    ASSERT_FALSE(regions.empty());
-    const size_t size = Marshal(record).size();
-    ASSERT_EQ(regions.back().end, size) << name << ": the regions must cover the whole parcel";
-    for (size_t capacity = 0; capacity < size; ++capacity) {
-        auto region = std::find_if(regions.begin(), regions.end(),
-                                   [capacity](const WriteRegion& r) { return capacity < r.end; });
-        Kavo::Parcel parcel;
-        ASSERT_TRUE(parcel.SetMaxCapacity(capacity));
-        Watch watch;
-        const std::string where = name + " with capacity " + std::to_string(capacity);
-        EXPECT_FALSE(record.Marshalling(parcel)) << where;
-        watch.Expect(region->logs, where);
+    for (const auto& c : cases) {
+        const size_t size = Marshal(*c.record).size();
+        ASSERT_EQ(c.regions.back().end, size) << c.name << ": the regions must cover the parcel";
+        for (size_t capacity = 0; capacity <= size; ++capacity) {
+            Kavo::Parcel parcel;
+            ASSERT_TRUE(parcel.SetMaxCapacity(capacity));
+            Watch watch;
+            const std::string where = std::string(c.name) + " with capacity " + std::to_string(capacity);
+            EXPECT_EQ(c.record->Marshalling(parcel), capacity == size) << where;
+            watch.Expect(capacity == size ? Texts{} : RegionOf(c.regions, capacity).logs, where);
+        }
     }
-    Kavo::Parcel parcel;
-    ASSERT_TRUE(parcel.SetMaxCapacity(size));
-    Watch watch;
-    EXPECT_TRUE(record.Marshalling(parcel)) << name << " with exactly enough capacity";
-    watch.Expect({}, name + " with exactly enough capacity");
 }
 
 }  // namespace ModelTest
