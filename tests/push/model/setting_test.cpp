@@ -34,8 +34,8 @@ std::shared_ptr<bool> Flag(bool value)
     return std::make_shared<bool>(value);
 }
 
-std::shared_ptr<EntitySetting> Entity(std::shared_ptr<bool> enable, std::shared_ptr<AAFwk::WantParams> extraInfo,
-                                      int32_t type = 3)
+std::shared_ptr<EntitySetting> Entity(const std::shared_ptr<bool>& enable,
+                                      const std::shared_ptr<AAFwk::WantParams>& extraInfo, int32_t type = 3)
 {
     auto entity = std::make_shared<EntitySetting>();
     entity->SetEntityId("e1");
@@ -46,7 +46,7 @@ std::shared_ptr<EntitySetting> Entity(std::shared_ptr<bool> enable, std::shared_
     return entity;
 }
 
-std::shared_ptr<SubscribeNotificationSetting> Subscription(std::shared_ptr<bool> enabled)
+std::shared_ptr<SubscribeNotificationSetting> Subscription(const std::shared_ptr<bool>& enabled)
 {
     auto setting = std::make_shared<SubscribeNotificationSetting>();
     setting->SetBundleName("com.a");
