@@ -178,6 +178,19 @@ bool WriteFile(const std::string& path, const std::string& data, mode_t mode, st
     return true;
 }
 
+bool ReadBytes(const std::string& path, bool hex, std::string& bytes, std::string& error)
+{
+    std::string data;
+    if (!ReadInput(path, data, error)) {
+        return false;
+    }
+    if (!hex) {
+        bytes = std::move(data);
+        return true;
+    }
+    return ParseHex(data, bytes, error);
+}
+
 void WriteStdout(const std::string& data)
 {
     std::cout.write(data.data(), static_cast<std::streamsize>(data.size()));
@@ -236,6 +249,14 @@ bool ParseInt32(const std::string& text, int32_t& value)
     }
     value = static_cast<int32_t>(parsed);
     return true;
+}
+
+void ShowErrorLog()
+{
+    const char* level = std::getenv("KAVO_LOG_LEVEL");
+    if (level != nullptr && std::strcmp(level, "fatal") == 0) {
+        setenv("KAVO_LOG_LEVEL", "error", 1);
+    }
 }
 
 int Failed(const std::string& command, const std::string& message)

@@ -46,6 +46,8 @@ bool ReadInput(const std::string& path, std::string& data, std::string& error);
 // Creates or replaces the file with exactly `data`, its permission bits set to `mode`
 // (an existing file's too, so a key file never stays readable by others).
 bool WriteFile(const std::string& path, const std::string& data, mode_t mode, std::string& error);
+// ReadInput, then ParseHex when `hex` is set.
+bool ReadBytes(const std::string& path, bool hex, std::string& bytes, std::string& error);
 // Writes the bytes as they are; main checks standard output once the command returns.
 void WriteStdout(const std::string& data);
 
@@ -58,6 +60,10 @@ bool ParseHex(const std::string& text, std::string& bytes, std::string& error);
 std::string WithoutSpace(const std::string& text);
 // A whole decimal number in range, optionally signed; nothing else around it.
 bool ParseInt32(const std::string& text, int32_t& value);
+
+// The library says why a record does not decode in its error log lines: keeps them on standard
+// error even when KAVO_LOG_LEVEL asks for fatal lines only.
+void ShowErrorLog();
 
 // Prints "kavo-push COMMAND: message" to standard error; returns EXIT_FAILED.
 int Failed(const std::string& command, const std::string& message);
