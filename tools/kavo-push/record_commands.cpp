@@ -104,7 +104,8 @@ int RunEncode(const std::vector<std::string>& args)
 
 KAVO_REGISTER_COMMAND("types", "list the record types that decode and encode know",
                       "usage: kavo-push types\n\n"
-                      "Prints each record type, a tab and what the record holds, one per line.\n",
+                      "Prints each record type, a tab and what the record holds, one per line.\n"
+                      "Exit status: 0; 2 on bad usage.\n",
                       RunTypes);
 
 KAVO_REGISTER_COMMAND("decode", "print a record read from parcel bytes as JSON",

@@ -88,8 +88,8 @@ int RunValidate(const std::vector<std::string>& args)
     }
     // The size of a content is what it takes on the channel: the bytes of its parcel.
     content->SetContentSize(static_cast<long>(contentParcel.GetDataSize()));
-    passed &= Report("content",
-                     RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(*request, *content));
+    passed &=
+        Report("content", RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(*request, *content));
     passed &= Report("overlay icon",
                      RemoteNotificationExtensionValidate::ValidateRemoteNotificationOverlayIcon(*request, *content));
     return passed ? EXIT_OK : EXIT_FAILED;

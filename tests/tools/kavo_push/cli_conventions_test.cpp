@@ -29,7 +29,8 @@ TEST(CliConventionsTest, EveryListedCommandHasHelpOnStandardOutput)
     ToolRun overview = RunTool({"help"});
     ASSERT_EQ(overview.status, 0);
     std::set<std::string> names = ListedCommands(overview.out);
-    for (const char* name : {"base64", "certchain", "errors", "keygen", "mask", "sha256"}) {
+    for (const char* name :
+         {"base64", "certchain", "decode", "encode", "errors", "keygen", "mask", "sha256", "types", "validate"}) {
         EXPECT_EQ(names.count(name), 1u) << name;
     }
     for (const std::string& name : names) {
