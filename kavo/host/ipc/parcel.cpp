@@ -1,0 +1,256 @@
+#include "kavo/host/ipc/parcel.h"
+
+#include <cstring>
+#include <limits>
+
+#include "kavo/host/want/want_params.h"
+
+namespace Kavo {
+
+namespace {
+
+constexpr size_t ALIGNMENT = 4;
+
+size_t Padded(size_t size)
+{
+    return (size + ALIGNMENT - 1) & ~(ALIGNMENT - 1);
+}
+
+}  // namespace
+
+bool Parcel::SetMaxCapacity(size_t maxCapacity)
+{
+    if (maxCapacity < data_.size()) {
+        return false;
+    }
+    maxCapacity_ = maxCapacity;
+    return true;
+}
+
+bool Parcel::WriteRaw(const void* bytes, size_t size)
+{
+    size_t padded = Padded(size);
+    if (padded < size || padded > maxCapacity_ || data_.size() > maxCapacity_ - padded) {
+        return false;
+    }
+    size_t offset = data_.size();
+    data_.resize(offset + padded, 0);
+    if (size != 0) {
+        std::memcpy(data_.data() + offset, bytes, size);
+    }
+    return true;
+}
+
+bool Parcel::WriteBool(bool value)
+{
+    return WriteInt32(value ? 1 : 0);
+}
+
+bool Parcel::WriteInt32(int32_t value)
+{
+    return WriteRaw(&value, sizeof(value));
+}
+
+bool Parcel::WriteUint32(uint32_t value)
+{
+    return WriteRaw(&value, sizeof(value));
+}
+
+bool Parcel::WriteInt64(int64_t value)
+{
+    return WriteRaw(&value, sizeof(value));
+}
+
+bool Parcel::WriteUint64(uint64_t value)
+{
+    return WriteRaw(&value, sizeof(value));
+}
+
+bool Parcel::WriteDouble(double value)
+{
+    return WriteRaw(&value, sizeof(value));
+}
+
+bool Parcel::WriteString(const std::string& value)
+{
+    if (value.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max() - 1)) {
+        return false;
+    }
+    // Length, bytes and terminator go in as one write, so a failure leaves nothing behind.
+    size_t total = sizeof(int32_t) + value.size() + 1;
+    if (Padded(total) > maxCapacity_ || data_.size() > maxCapacity_ - Padded(total)) {
+        return false;
+    }
+    auto length = static_cast<int32_t>(value.size());
+    size_t offset = data_.size();
+    data_.resize(offset + Padded(total), 0);
+    std::memcpy(data_.data() + offset, &length, sizeof(length));
+    if (!value.empty()) {
+        std::memcpy(data_.data() + offset + sizeof(length), value.data(), value.size());
+    }
+    return true;
+}
+
+bool Parcel::WriteParcelable(const Parcelable* object)
+{
+    if (object == nullptr) {
+        return WriteInt32(0);
+    }
+    return WriteInt32(1) && object->Marshalling(*this);
+}
+
+bool Parcel::WriteBuffer(const void* data, size_t size)
+{
+    if (data == nullptr && size != 0) {
+        return false;
+    }
+    return WriteRaw(data, size);
+}
+
+bool Parcel::ReadRaw(void* bytes, size_t size)
+{
+    size_t padded = Padded(size);
+    if (padded > GetReadableBytes()) {
+        return false;
+    }
+    std::memcpy(bytes, data_.data() + readPos_, size);
+    readPos_ += padded;
+    return true;
+}
+
+const uint8_t* Parcel::ReadBuffer(size_t size)
+{
+    size_t padded = Padded(size);
+    if (padded < size || padded > GetReadableBytes()) {
+        return nullptr;
+    }
+    const uint8_t* bytes = data_.data() + readPos_;
+    readPos_ += padded;
+    return bytes;
+}
+
+bool Parcel::ReadBool(bool& value)
+{
+    int32_t word = 0;
+    if (!ReadInt32(word)) {
+        return false;
+    }
+    value = word != 0;
+    return true;
+}
+
+bool Parcel::ReadInt32(int32_t& value)
+{
+    return ReadRaw(&value, sizeof(value));
+}
+
+bool Parcel::ReadUint32(uint32_t& value)
+{
+    return ReadRaw(&value, sizeof(value));
+}
+
+bool Parcel::ReadInt64(int64_t& value)
+{
+    return ReadRaw(&value, sizeof(value));
+}
+
+bool Parcel::ReadUint64(uint64_t& value)
+{
+    return ReadRaw(&value, sizeof(value));
+}
+
+bool Parcel::ReadDouble(double& value)
+{
+    return ReadRaw(&value, sizeof(value));
+}
+
+bool Parcel::ReadString(std::string& value)
+{
+    size_t start = readPos_;
+    int32_t length = 0;
+    if (!ReadInt32(length)) {
+        return false;
+    }
+    // The length is checked against what remains before anything is allocated.
+    if (length < 0 || Padded(static_cast<size_t>(length) + 1) > GetReadableBytes()) {
+        readPos_ = start;
+        return false;
+    }
+    value.assign(reinterpret_cast<const char*>(data_.data() + readPos_), static_cast<size_t>(length));
+    readPos_ += Padded(static_cast<size_t>(length) + 1);
+    return true;
+}
+
+template <typename T>
+T Parcel::ReadValue()
+{
+    T value{};
+    // A short parcel yields the zero value and leaves the position where it was.
+    if (!ReadRaw(&value, sizeof(value))) {
+        return T{};
+    }
+    return value;
+}
+
+bool Parcel::ReadBool()
+{
+    return ReadValue<int32_t>() != 0;
+}
+
+int32_t Parcel::ReadInt32()
+{
+    return ReadValue<int32_t>();
+}
+
+uint32_t Parcel::ReadUint32()
+{
+    return ReadValue<uint32_t>();
+}
+
+int64_t Parcel::ReadInt64()
+{
+    return ReadValue<int64_t>();
+}
+
+uint64_t Parcel::ReadUint64()
+{
+    return ReadValue<uint64_t>();
+}
+
+std::string Parcel::ReadString()
+{
+    std::string value;
+    ReadString(value);
+    return value;
+}
+
+bool Parcel::RewindRead(size_t position)
+{
+    if (position > data_.size()) {
+        return false;
+    }
+    readPos_ = position;
+    return true;
+}
+
+bool Parcel::ParseFrom(const uint8_t* data, size_t size)
+{
+    if ((data == nullptr && size != 0) || size > maxCapacity_) {
+        return false;
+    }
+    data_.assign(data, data + size);
+    readPos_ = 0;
+    return true;
+}
+
+template <>
+sptr<AAFwk::WantParams> Parcel::ReadStrongParcelable<AAFwk::WantParams>()
+{
+    int32_t present = 0;
+    if (!ReadInt32(present) || present == 0) {
+        return nullptr;
+    }
+    return sptr<AAFwk::WantParams>(AAFwk::WantParams::Unmarshalling(*this, 1));
+}
+
+}  // namespace Kavo
