@@ -314,6 +314,54 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
     }
 }
 
+TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
+{
+    struct Case {
+        const char* name;
+        std::vector<int32_t> foreground;
+        int32_t foregroundCode;
+        int32_t queryCode;  // -1: no query expected
+        int err;
+        std::string desc;
+        std::string log;
+    };
+    const Case cases[] = {
+        {"no foreground account", {}, 0, -1, 401, "Ids is empty, unable to get userId",
+         "Ids is empty, unable to get userId"},
+        {"accounts refused", {}, 3, -1, 1000900001, "get foreground accountId failed 3",
+         "GetForegroundOsAccounts check fail"},
+        {"no browser installed", {101, 100}, 0, 8521221, 1000900001, "Query ability infos failed:8521221",
+         "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)"},
+        {"a browser answers", {101, 100}, 0, 0, 0, "", ""},
+    };
+    ScopedAccountService accounts{200};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<Kavo::AccountSA::ForegroundOsAccount> list;
+        for (int32_t id : c.foreground) {
+            list.push_back({id, 0});
+        }
+        EXPECT_CALL(*accounts, GetForegroundOsAccounts(_))
+            .WillOnce(DoAll(SetArgReferee<0>(list), Return(c.foregroundCode)));
+        if (c.queryCode >= 0) {
+            auto isBrowserWant = [](const Want& w) {
+                return w.GetAction() == "kavo.want.action.viewData" && w.HasEntity("entity.system.browsable") &&
+                       w.GetUriString() == "https://" && w.GetBundle().empty();
+            };
+            EXPECT_CALL(*bms_, QueryAbilityInfosV9(::testing::Truly(isBrowserWant), 0, 101, _))
+                .WillOnce(Return(c.queryCode));
+        }
+        cap_.Clear();
+        PushBaseRsp rsp = PushBundleHelper::IsBrowserAvailable();
+        EXPECT_EQ(rsp.GetErr(), c.err);
+        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
+        if (!c.log.empty()) {
+            EXPECT_TRUE(HasLine(cap_, c.log));
+        }
+        ::testing::Mock::VerifyAndClearExpectations(&*bms_);
+    }
+}
+
 TEST(BundleTableTest, ExtensionTypeNamesAreExact)
 {
     struct Case {
