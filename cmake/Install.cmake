@@ -20,5 +20,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KavoPushConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/KavoPushConfig.cmake
   ${PROJECT_BINARY_DIR}/KavoPushConfigVersion.cmake DESTINATION ${KAVO_CMAKE_DIR})
 
+# The pkg-config file finds its prefix relative to itself, so the install can be moved.
+file(RELATIVE_PATH KAVO_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
 configure_file(cmake/kavo-push.pc.in ${PROJECT_BINARY_DIR}/kavo-push.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kavo-push.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

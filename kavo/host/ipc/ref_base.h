@@ -97,6 +97,18 @@ private:
     T* ptr_ = nullptr;
 };
 
+template <typename T>
+bool operator==(std::nullptr_t, const sptr<T>& p) noexcept
+{
+    return p == nullptr;
+}
+
+template <typename T>
+bool operator!=(std::nullptr_t, const sptr<T>& p) noexcept
+{
+    return p != nullptr;
+}
+
 template <typename T, typename... Args>
 sptr<T> MakeSptr(Args&&... args)
 {

@@ -27,7 +27,11 @@ int memset_s(void* dest, size_t destMax, int c, size_t count)
 
 int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
 {
-    if (dest == nullptr || format == nullptr || destMax == 0 || destMax > SECUREC_MEM_MAX_LEN) {
+    if (dest == nullptr || destMax == 0 || destMax > SECUREC_MEM_MAX_LEN) {
+        return -1;
+    }
+    if (format == nullptr) {
+        dest[0] = '\0';
         return -1;
     }
     // At most `count` characters, and never more than the buffer holds with its terminator.

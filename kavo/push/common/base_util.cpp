@@ -48,6 +48,10 @@ PushBaseRsp BaseUtil::DoSystemAbilityApiCallWithRetry(std::function<PushBaseRsp(
 std::vector<std::string> BaseUtil::StringSplit(std::string const& str, std::string const& pattern)
 {
     std::regex separator(pattern);
+    // The token iterator yields one empty token for an empty range; an empty text has none.
+    if (str.empty()) {
+        return {};
+    }
     std::sregex_token_iterator it(str.begin(), str.end(), separator, -1);
     return std::vector<std::string>(it, std::sregex_token_iterator());
 }

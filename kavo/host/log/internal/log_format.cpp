@@ -12,10 +12,11 @@ namespace {
 
 constexpr const char* PRIVATE_TEXT = "<private>";
 
-// One parsed conversion: its printf spec without the privacy marker, and what it consumes.
+// One parsed conversion: its printf directive, without the privacy marker, and what it consumes.
 struct Conversion {
-    std::string spec = "%";
+    std::string directive = "%";
     bool isPublic = false;
+    bool render = false;  // masked arguments are consumed but never formatted
     bool starWidth = false;
     bool starPrecision = false;
     std::string length;
@@ -37,44 +38,44 @@ const char* ParseMarker(const char* p, Conversion& c)
     return close + 1;
 }
 
-const char* ParseSpec(const char* p, Conversion& c)
+const char* ParseDirective(const char* p, Conversion& c)
 {
     while (*p != '\0' && std::strchr("-+ #0'", *p) != nullptr) {
-        c.spec += *p++;
+        c.directive += *p++;
     }
     if (*p == '*') {
         c.starWidth = true;
-        c.spec += *p++;
+        c.directive += *p++;
     }
     while (*p >= '0' && *p <= '9') {
-        c.spec += *p++;
+        c.directive += *p++;
     }
     if (*p == '.') {
-        c.spec += *p++;
+        c.directive += *p++;
         if (*p == '*') {
             c.starPrecision = true;
-            c.spec += *p++;
+            c.directive += *p++;
         }
         while (*p >= '0' && *p <= '9') {
-            c.spec += *p++;
+            c.directive += *p++;
         }
     }
     while (*p != '\0' && std::strchr("hlLqjzt", *p) != nullptr) {
         c.length += *p++;
     }
-    c.spec += c.length;
+    c.directive += c.length;
     c.conv = *p;
     if (*p != '\0') {
-        c.spec += *p++;
+        c.directive += *p++;
     }
     return p;
 }
 
 template <typename... Extra>
-std::string Snprintf(const std::string& spec, Extra... values)
+std::string Snprintf(const std::string& directive, Extra... values)
 {
     char small[128];
-    int n = std::snprintf(small, sizeof(small), spec.c_str(), values...);
+    int n = std::snprintf(small, sizeof(small), directive.c_str(), values...);
     if (n < 0) {
         return std::string();
     }
@@ -82,7 +83,7 @@ std::string Snprintf(const std::string& spec, Extra... values)
         return std::string(small, static_cast<size_t>(n));
     }
     std::string big(static_cast<size_t>(n) + 1, '\0');
-    std::snprintf(big.data(), big.size(), spec.c_str(), values...);
+    std::snprintf(big.data(), big.size(), directive.c_str(), values...);
     big.resize(static_cast<size_t>(n));
     return big;
 }
@@ -91,16 +92,19 @@ std::string Snprintf(const std::string& spec, Extra... values)
 template <typename T>
 std::string FormatValue(const Conversion& c, int width, int precision, T value)
 {
+    if (!c.render) {
+        return std::string();
+    }
     if (c.starWidth && c.starPrecision) {
-        return Snprintf(c.spec, width, precision, value);
+        return Snprintf(c.directive, width, precision, value);
     }
     if (c.starWidth) {
-        return Snprintf(c.spec, width, value);
+        return Snprintf(c.directive, width, value);
     }
     if (c.starPrecision) {
-        return Snprintf(c.spec, precision, value);
+        return Snprintf(c.directive, precision, value);
     }
-    return Snprintf(c.spec, value);
+    return Snprintf(c.directive, value);
 }
 
 template <typename S, typename U>
@@ -188,7 +192,8 @@ std::string FormatPrivacy(const char* fmt, va_list args, bool showPrivate)
         const char* start = p;
         Conversion c;
         p = ParseMarker(p + 1, c);
-        p = ParseSpec(p, c);
+        p = ParseDirective(p, c);
+        c.render = c.isPublic || showPrivate;
         bool ok = false;
         std::string text = ConsumeConversion(c, &ap, ok);
         if (!ok) {
