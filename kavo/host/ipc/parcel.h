@@ -29,7 +29,7 @@ class WantParams;
 
 class KAVO_HOST_EXPORT Parcel {
 public:
-    static constexpr size_t DEFAULT_MAX_CAPACITY = 1024 * 1024;
+    static constexpr size_t DEFAULT_MAX_CAPACITY = size_t{1024} * 1024;
 
     Parcel() = default;
     Parcel(Parcel&&) noexcept = default;

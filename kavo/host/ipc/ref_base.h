@@ -17,7 +17,8 @@ public:
     RefBase() = default;
     // Records are copied all the time; a copy is a new object with a count of its own.
     RefBase(const RefBase&) noexcept : strongCount_(0) {}
-    RefBase& operator=(const RefBase&) noexcept { return *this; }
+    // Assignment keeps each object's own count, so there is nothing to copy.
+    RefBase& operator=(const RefBase&) noexcept { return *this; }  // NOLINT(cert-oop54-cpp)
     virtual ~RefBase() = default;
 
     void IncStrongRef() const noexcept { strongCount_.fetch_add(1, std::memory_order_relaxed); }

@@ -84,7 +84,7 @@ bool ReadValue(Parcel& parcel, int depth, WantParams::Value& out)
 
 }  // namespace
 
-WantParams::WantParams(const WantParams& other) : RefBase(), Parcelable(other)
+WantParams::WantParams(const WantParams& other) : RefBase(other), Parcelable(other)
 {
     for (const auto& [key, value] : other.params_) {
         params_.emplace(key, DeepCopy(value));
