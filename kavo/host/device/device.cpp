@@ -11,12 +11,10 @@ namespace Kavo::Host {
 
 using internal::DeviceState;
 
-Device::Device()
-    : state_(std::make_shared<DeviceState>()), timeService_(MakeSptr<internal::DeviceTimeService>(state_))
+Device::Device() : state_(std::make_shared<DeviceState>()), timeService_(MakeSptr<internal::DeviceTimeService>(state_))
 {
     services_ = {
-        {ACCOUNT_SERVICE,
-         AsRemoteObject<AccountSA::IAccountService>(MakeSptr<internal::DeviceAccountService>(state_))},
+        {ACCOUNT_SERVICE, AsRemoteObject<AccountSA::IAccountService>(MakeSptr<internal::DeviceAccountService>(state_))},
         {BUNDLE_SERVICE, AsRemoteObject<AppExecFwk::IBundleMgr>(MakeSptr<internal::DeviceBundleMgr>(state_))},
         {APP_SERVICE, AsRemoteObject<AppExecFwk::IAppMgr>(MakeSptr<internal::DeviceAppMgr>(state_))},
         {TIME_SERVICE, AsRemoteObject<MiscServices::ITimeService>(timeService_)},

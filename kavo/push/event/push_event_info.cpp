@@ -6,12 +6,8 @@ namespace Kavo::Push {
 
 PushEventInfo::PushEventInfo(std::string const& extensionType, std::string const& bundleName,
                              std::string const& abilityName, int const& accountId, int const& errCode)
-    : extensionType_(extensionType),
-      bundleName_(bundleName),
-      abilityName_(abilityName),
-      accountId_(accountId),
-      errCode_(errCode),
-      type_(TYPE_EXTENSION)
+    : extensionType_(extensionType), bundleName_(bundleName), abilityName_(abilityName), accountId_(accountId),
+      errCode_(errCode), type_(TYPE_EXTENSION)
 {
 }
 

@@ -15,7 +15,8 @@ using internal::RunAccountQuery;
 
 PushBaseRsp PushAccountHelper::QueryActiveOsAccountIds(std::vector<int>& ids)
 {
-    return RunAccountQuery({nullptr, "QueryActiveOsAccountIds", "query active os accountIds fail: account sa not started",
+    return RunAccountQuery({nullptr, "QueryActiveOsAccountIds",
+                            "query active os accountIds fail: account sa not started",
                             "QueryActiveOsAccountIds fail: %{public}s", "query active accountId fail: %{public}d",
                             "query active accountId fail: %d"},
                            [&ids]() { return OsAccountManager::QueryActiveOsAccountIds(ids); });

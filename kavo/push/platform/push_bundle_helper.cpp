@@ -42,12 +42,11 @@ constexpr int32_t ERR_BUNDLE_NOT_EXIST = AppExecFwk::ERR_BUNDLE_MANAGER_BUNDLE_N
 
 PushBaseRsp PushBundleHelper::GetBundleMgr(sptr<IBundleMgr>& out)
 {
-    return internal::GetServiceProxy<IBundleMgr>(BUNDLE_MGR_ABILITY_ID,
-                                                 {"get samgr fail", "get samgr fail",
-                                                  "Get bms fail: bms sa not started",
-                                                  "get bms fail: bms sa not started",
-                                                  "Get bundle mgr fail: %{public}s", "IBundleMgr is null"},
-                                                 out);
+    return internal::GetServiceProxy<IBundleMgr>(
+        BUNDLE_MGR_ABILITY_ID,
+        {"get samgr fail", "get samgr fail", "Get bms fail: bms sa not started", "get bms fail: bms sa not started",
+         "Get bundle mgr fail: %{public}s", "IBundleMgr is null"},
+        out);
 }
 
 PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const int& userId,
@@ -284,8 +283,7 @@ bool PushBundleHelper::IsSystemApp(const std::string& bundleName, const int& use
     return info.isSystemApp;
 }
 
-PushBaseRsp PushBundleHelper::GetAppAnitizerFlag(const std::string& bundleName, const int& userId,
-                                                 unsigned char& flags)
+PushBaseRsp PushBundleHelper::GetAppAnitizerFlag(const std::string& bundleName, const int& userId, unsigned char& flags)
 {
     flags = 0;
     ApplicationInfo info;
@@ -321,8 +319,8 @@ PushBaseRsp PushBundleHelper::GetAbilityByAction(const std::string& bundleName, 
     return QueryFirstAbility(want, userId, info);
 }
 
-PushBaseRsp PushBundleHelper::GetAbilityByUri(const std::string& bundleName, const std::string& uri,
-                                              const int& userId, AbilityInfo& info)
+PushBaseRsp PushBundleHelper::GetAbilityByUri(const std::string& bundleName, const std::string& uri, const int& userId,
+                                              AbilityInfo& info)
 {
     Want want;
     want.SetBundle(bundleName).SetUri(uri);

@@ -74,8 +74,7 @@ public:
     static PushBaseRsp GetAppIndex(const int& uid, int& appIndex);
     static std::pair<PushBaseRsp, int> GetInstalledStatus(const std::string& bundleName, const int& userId,
                                                           const int& appIndex);
-    static std::pair<PushBaseRsp, int> GetInstalledStatusV9(const std::string& bundleName, const int& userId,
-                                                            int& uid);
+    static std::pair<PushBaseRsp, int> GetInstalledStatusV9(const std::string& bundleName, const int& userId, int& uid);
 
     // Queries built on the ones above.
     static PushBaseRsp GetAppUidForName(const std::string& bundleName, const int& userId, int& uid);
@@ -110,14 +109,23 @@ public:
                                              bool isExtension);
     static PushBaseRsp GetChildProcessPid(const std::string& bundleName, const int& userId,
                                           const ExtensionAbilityType& type, const int& uid, int& pid);
-    static PushBaseRsp GetParentProcessPid(const std::string& bundleName, const int& userId, const int& uid,
-                                           int& pid);
+    static PushBaseRsp GetParentProcessPid(const std::string& bundleName, const int& userId, const int& uid, int& pid);
     // Any application's extension process of that type counts.
     static bool IsGivenExtensionProcessRunning(const std::string& bundleName, const int& userId,
                                                const ExtensionAbilityType& type);
     static PushBaseRsp GetAppProcessState(const ProcessInfo& info, int& state, unsigned char& flags);
 
 private:
+    // The texts of one running-process request: the log when the application manager cannot
+    // be had (given its GetInfo()), and the log and description of a failure code.
+    struct ProcessQueryTexts {
+        const char* noMgrLog;
+        const char* failLog;
+        const char* failDesc;
+    };
+
+    static PushBaseRsp QueryRunningProcesses(const std::string& bundleName, int userId, const ProcessQueryTexts& texts,
+                                             std::vector<AppExecFwk::RunningProcessInfo>& processes);
     static PushBaseRsp GetBundleMgr(sptr<AppExecFwk::IBundleMgr>& out);
     static PushBaseRsp GetAppMgr(sptr<AppExecFwk::IAppMgr>& out);
     static PushBaseRsp QueryFirstAbility(const Want& want, const int& userId, AbilityInfo& info);

@@ -43,6 +43,24 @@ PushBaseRsp PushBundleHelper::GetAppMgr(sptr<IAppMgr>& out)
                                               out);
 }
 
+PushBaseRsp PushBundleHelper::QueryRunningProcesses(const std::string& bundleName, int userId,
+                                                    const ProcessQueryTexts& texts,
+                                                    std::vector<RunningProcessInfo>& processes)
+{
+    sptr<IAppMgr> mgr;
+    PushBaseRsp rsp = GetAppMgr(mgr);
+    if (!rsp.Succeed()) {
+        PUSH_LOGE(texts.noMgrLog, rsp.GetInfo().c_str());
+        return rsp;
+    }
+    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
+    if (code != 0) {
+        PUSH_LOGE(texts.failLog, code);
+        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, texts.failDesc, code);
+    }
+    return PushBaseRsp();
+}
+
 PushBaseRsp PushBundleHelper::GetIpcClientUserInfo(ClientUserInfo& info)
 {
     int uid = IPCSkeleton::GetCallingUid();
@@ -73,17 +91,14 @@ PushBaseRsp PushBundleHelper::IsAppRunning(const std::string& bundleName, const 
                                            const int& appIndex)
 {
     isRunning = false;
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get app mgr fail :%{public}s", rsp.GetInfo().c_str());
-        return rsp;
-    }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
-    if (code != 0) {
-        PUSH_LOGE("Get running process info fail: :%{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "check if app running, get running process info fail: %d", code);
+    PushBaseRsp rsp =
+        QueryRunningProcesses(bundleName, userId,
+                              {"Get app mgr fail :%{public}s", "Get running process info fail: :%{public}d",
+                               "check if app running, get running process info fail: %d"},
+                              processes);
+    if (!rsp.Succeed()) {
+        return rsp;
     }
     if (processes.empty()) {
         return PushBaseRsp();
@@ -107,18 +122,14 @@ PushBaseRsp PushBundleHelper::IsRemoteForegrounding(const ClientUserInfo& info, 
                                                     bool isExtension)
 {
     isForeground = false;
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get App Mgr");
-        return rsp;
-    }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(info.bundleName, info.userId, processes);
-    if (code != 0) {
-        PUSH_LOGE("check if app foreground, get running process info fail: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "check if app foreground, get running process info fail: %d",
-                           code);
+    PushBaseRsp rsp =
+        QueryRunningProcesses(info.bundleName, info.userId,
+                              {"Get App Mgr", "check if app foreground, get running process info fail: %{public}d",
+                               "check if app foreground, get running process info fail: %d"},
+                              processes);
+    if (!rsp.Succeed()) {
+        return rsp;
     }
     for (const auto& process : processes) {
         if (process.uid != info.uid) {
@@ -144,17 +155,14 @@ PushBaseRsp PushBundleHelper::GetChildProcessPid(const std::string& bundleName, 
                                                  const ExtensionAbilityType& type, const int& uid, int& pid)
 {
     pid = NO_PID;
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get App Mgr");
-        return rsp;
-    }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
-    if (code != 0) {
-        PUSH_LOGE("check if child pid, get running process info fail: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "check if child pid, get running process info fail: %d", code);
+    PushBaseRsp rsp =
+        QueryRunningProcesses(bundleName, userId,
+                              {"Get App Mgr", "check if child pid, get running process info fail: %{public}d",
+                               "check if child pid, get running process info fail: %d"},
+                              processes);
+    if (!rsp.Succeed()) {
+        return rsp;
     }
     for (const auto& process : processes) {
         if (IsExtensionOf(process, type) && process.uid == uid) {
@@ -169,17 +177,14 @@ PushBaseRsp PushBundleHelper::GetParentProcessPid(const std::string& bundleName,
                                                   int& pid)
 {
     pid = NO_PID;
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get App Mgr");
-        return rsp;
-    }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
-    if (code != 0) {
-        PUSH_LOGE("check if parent pid, get running process info fail: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "check if parent pid, get running process info fail: %d", code);
+    PushBaseRsp rsp =
+        QueryRunningProcesses(bundleName, userId,
+                              {"Get App Mgr", "check if parent pid, get running process info fail: %{public}d",
+                               "check if parent pid, get running process info fail: %d"},
+                              processes);
+    if (!rsp.Succeed()) {
+        return rsp;
     }
     for (const auto& process : processes) {
         if (process.uid == uid && process.processType == ProcessType::NORMAL) {
@@ -203,8 +208,8 @@ bool PushBundleHelper::IsGivenExtensionProcessRunning(const std::string& bundleN
     std::vector<RunningProcessInfo> processes;
     int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
     if (code != 0) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_EXTENSION_PROCESS_QUERY_FAILED, "get running process information ret(%{public}d)",
-                             code);
+        PUSH_LOGE_AND_REPORT(INNER_ERR_EXTENSION_PROCESS_QUERY_FAILED,
+                             "get running process information ret(%{public}d)", code);
         return false;
     }
     for (const auto& process : processes) {
@@ -219,18 +224,14 @@ PushBaseRsp PushBundleHelper::GetAppProcessState(const ProcessInfo& info, int& s
 {
     state = -1;
     flags = 0;
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get App Mgr Fail");
-        return rsp;
-    }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(info.bundleName, info.userId, processes);
-    if (code != 0) {
-        PUSH_LOGE("get app process state, get running process info fail: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "get app process state, get running process info fail: %d",
-                           code);
+    PushBaseRsp rsp =
+        QueryRunningProcesses(info.bundleName, info.userId,
+                              {"Get App Mgr Fail", "get app process state, get running process info fail: %{public}d",
+                               "get app process state, get running process info fail: %d"},
+                              processes);
+    if (!rsp.Succeed()) {
+        return rsp;
     }
     if (processes.empty()) {
         return GetAppAnitizerFlag(info.bundleName, info.userId, flags);
@@ -242,8 +243,8 @@ PushBaseRsp PushBundleHelper::GetAppProcessState(const ProcessInfo& info, int& s
         return rsp;
     }
     bool wantsMain = info.extensionTypeName.empty();
-    ExtensionAbilityType type = wantsMain ? ExtensionAbilityType::UNSPECIFIED
-                                          : GetExtensionAbilityType(info.extensionTypeName);
+    ExtensionAbilityType type =
+        wantsMain ? ExtensionAbilityType::UNSPECIFIED : GetExtensionAbilityType(info.extensionTypeName);
     for (const auto& process : processes) {
         if (process.uid != uid) {
             continue;

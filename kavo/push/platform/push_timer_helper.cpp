@@ -24,7 +24,7 @@ constexpr int64_t US_PER_MS = 1000;
 
 // The texts of one operation on an existing timer.
 struct TimerOpTexts {
-    const char* nullInfoLog;   // logged and reported
+    const char* nullInfoLog;  // logged and reported
     const char* nullInfoDesc;
     const char* noClientLog;
     const char* refusedLog;
@@ -113,24 +113,20 @@ PushBaseRsp PushTimerHelper::StartNewTimer(const std::shared_ptr<PushTimerInfo>&
 
 PushBaseRsp PushTimerHelper::StopTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)
 {
-    return RunTimerOp(timerInfo,
-                      {"StopTimer: currTimerInfo is nullptr", "Current Timer of PushTimerHelper::StopTimer is Null",
-                       "StopTimer: Get System Timer is Null", "StopTimer: Stop Timer Failed", "StopTimer",
-                       "Stop timer failed"},
-                      [](TimeServiceClient& client, PushTimerInfo& info) {
-                          return client.StopTimer(info.GetTimerId());
-                      });
+    return RunTimerOp(
+        timerInfo,
+        {"StopTimer: currTimerInfo is nullptr", "Current Timer of PushTimerHelper::StopTimer is Null",
+         "StopTimer: Get System Timer is Null", "StopTimer: Stop Timer Failed", "StopTimer", "Stop timer failed"},
+        [](TimeServiceClient& client, PushTimerInfo& info) { return client.StopTimer(info.GetTimerId()); });
 }
 
 PushBaseRsp PushTimerHelper::DestoryTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)
 {
-    return RunTimerOp(timerInfo,
-                      {"DestoryTimer: currTimerInfo is nullptr", "current timer is null",
-                       "DestoryTimer: Get System Timer is Null", "DestoryTimer: Destroy Timer Failed", "DestroyTimer",
-                       "Destroy timer failed"},
-                      [](TimeServiceClient& client, PushTimerInfo& info) {
-                          return client.DestroyTimer(info.GetTimerId());
-                      });
+    return RunTimerOp(
+        timerInfo,
+        {"DestoryTimer: currTimerInfo is nullptr", "current timer is null", "DestoryTimer: Get System Timer is Null",
+         "DestoryTimer: Destroy Timer Failed", "DestroyTimer", "Destroy timer failed"},
+        [](TimeServiceClient& client, PushTimerInfo& info) { return client.DestroyTimer(info.GetTimerId()); });
 }
 
 PushBaseRsp PushTimerHelper::RestartTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)

@@ -33,7 +33,8 @@ sptr<IBundleMgr> Bms()
 
 sptr<IAppMgr> Ams()
 {
-    return iface_cast<IAppMgr>(SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(501));
+    return iface_cast<IAppMgr>(
+        SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(501));
 }
 
 class DeviceTest : public ::testing::Test {
@@ -229,7 +230,8 @@ TEST(DeviceIdentityTest, ProcessIdentityLastsWhileActiveAndCallingUidIsPerThread
 TEST(RemoteObjectTest, InterfaceCastChecksTheDescriptor)
 {
     Device device;
-    sptr<IRemoteObject> remote = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401);
+    sptr<IRemoteObject> remote =
+        SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401);
     EXPECT_EQ(remote, nullptr) << "an inactive device registers nothing";
     device.Activate();
     remote = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401);

@@ -27,9 +27,10 @@ TEST(SysEventTest, RecordsKeepOrderAndValueTypes)
     SysEventRecorder outer;
     {
         SysEventRecorder inner;
-        EXPECT_EQ(SysEventWrite("PUSH_MANAGER", "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR,
-                                {{"URI", std::string("x")}, {"COST_TIME", uint64_t{1} << 40}, {"ERROR_CODE", int32_t{-3}}}),
-                  0);
+        EXPECT_EQ(
+            SysEventWrite("PUSH_MANAGER", "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR,
+                          {{"URI", std::string("x")}, {"COST_TIME", uint64_t{1} << 40}, {"ERROR_CODE", int32_t{-3}}}),
+            0);
         ASSERT_EQ(inner.Events().size(), 1u);
     }
     SysEventWrite("PUSH_MANAGER", "START_EXTENSION", SysEventType::BEHAVIOR, {});
@@ -69,8 +70,11 @@ TEST(SysEventTest, InvalidEventsAreRefusedAndNotRecorded)
 
 TEST(SysEventTest, JsonEscapesTextAndWritesNumbersBare)
 {
-    SysEventRecord record{"D", "E", SysEventType::FAULT,
-                          {{"S", std::string("a\"b\\c\n\x01")}, {"I", int32_t{-7}}, {"U", uint64_t{18446744073709551615ULL}}}};
+    SysEventRecord record{
+        "D",
+        "E",
+        SysEventType::FAULT,
+        {{"S", std::string("a\"b\\c\n\x01")}, {"I", int32_t{-7}}, {"U", uint64_t{18446744073709551615ULL}}}};
     EXPECT_EQ(Kavo::SysEventToJson(record),
               R"({"domain":"D","name":"E","type":1,"params":{"S":"a\"b\\c\n\u0001","I":-7,"U":18446744073709551615}})");
 }

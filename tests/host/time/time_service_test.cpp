@@ -137,8 +137,8 @@ TEST(TimeServiceClientTest, AnswersWithoutAServiceAndWhenUnavailable)
     EXPECT_GT(client->GetBootTimeMs(), 0) << "the boot clock needs no service";
 
     auto service = MakeSptr<TimeService>();
-    SystemAbilityManagerClient::GetInstance().AddSystemAbility(TIME_SERVICE_ID, AsRemoteObject<ITimeService>(
-                                                                                    sptr<ITimeService>(service)));
+    SystemAbilityManagerClient::GetInstance().AddSystemAbility(
+        TIME_SERVICE_ID, AsRemoteObject<ITimeService>(sptr<ITimeService>(service)));
     auto timer = std::make_shared<CountingTimer>();
     uint64_t id = client->CreateTimer(timer);
     EXPECT_NE(id, 0u);

@@ -44,10 +44,11 @@ TEST(PushEventReportTest, RecordTypeChoosesTheSetAndTheEventAddsTheCost)
     const std::vector<std::string> extensionSet = {"EXTENSION_TYPE=s:remoteNotification",
                                                    "BUNDLE_NAME=s:com.example.mail", "ABILITY_NAME=s:NotifyExt",
                                                    "ACCOUNT_ID=i:100", "ERROR_CODE=i:7"};
-    const std::vector<std::string> serviceSet = {"URI=s:kavo.push.IPushService/RegisterToken", "BUNDLE_NAME=s:",
-                                                 "ACCOUNT_ID=i:0", "ERROR_CODE=i:-2"};
-    const std::vector<std::string> invokeSet = {"URI=s:kavo.push.IPushService/RegisterToken", "BUNDLE_NAME=s:",
-                                                "ACCOUNT_ID=i:0", "COST_TIME=u:1234567890123", "ERROR_CODE=i:-2"};
+    const std::vector<std::string> serviceSet = {"URI=s:kavo.push.IPushService/RegisterToken",
+                                                 "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0", "ERROR_CODE=i:-2"};
+    const std::vector<std::string> invokeSet = {"URI=s:kavo.push.IPushService/RegisterToken",
+                                                "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0", "COST_TIME=u:1234567890123",
+                                                "ERROR_CODE=i:-2"};
     struct Case {
         const char* name;
         PushEvent event;

@@ -29,26 +29,22 @@ public:
     MOCK_METHOD(ErrCode, QueryExtensionAbilityInfosV9,
                 (const Want&, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&), (override));
     MOCK_METHOD(ErrCode, QueryExtensionAbilityInfosV9,
-                (const Want&, ExtensionAbilityType, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&),
-                (override));
-    MOCK_METHOD(ErrCode, QueryAbilityInfosV9, (const Want&, int32_t, int32_t, std::vector<AbilityInfo>&),
-                (override));
+                (const Want&, ExtensionAbilityType, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&), (override));
+    MOCK_METHOD(ErrCode, QueryAbilityInfosV9, (const Want&, int32_t, int32_t, std::vector<AbilityInfo>&), (override));
     MOCK_METHOD(bool, QueryAbilityInfo, (const Want&, int32_t, int32_t, AbilityInfo&), (override));
-    MOCK_METHOD(bool, GetApplicationInfo, (const std::string&, ApplicationFlag, int32_t, ApplicationInfo&),
-                (override));
+    MOCK_METHOD(bool, GetApplicationInfo, (const std::string&, ApplicationFlag, int32_t, ApplicationInfo&), (override));
     MOCK_METHOD(ErrCode, GetNameForUid, (int32_t, std::string&), (override));
     MOCK_METHOD(int32_t, GetUidByBundleName, (const std::string&, int32_t, int32_t), (override));
     MOCK_METHOD(ErrCode, GetBundleInfoV9, (const std::string&, int32_t, BundleInfo&, int32_t), (override));
-    MOCK_METHOD(ErrCode, GetCloneBundleInfo, (const std::string&, int32_t, int32_t, BundleInfo&, int32_t),
-                (override));
+    MOCK_METHOD(ErrCode, GetCloneBundleInfo, (const std::string&, int32_t, int32_t, BundleInfo&, int32_t), (override));
     MOCK_METHOD(ErrCode, GetNameAndIndexForUid, (int32_t, std::string&, int32_t&), (override));
     MOCK_METHOD(ErrCode, IsBundleInstalled, (const std::string&, int32_t, int32_t, bool&), (override));
 };
 
 class MockAppMgr : public IAppMgr {
 public:
-    MOCK_METHOD(int32_t, GetRunningProcessInformation,
-                (const std::string&, int32_t, std::vector<RunningProcessInfo>&), (override));
+    MOCK_METHOD(int32_t, GetRunningProcessInformation, (const std::string&, int32_t, std::vector<RunningProcessInfo>&),
+                (override));
 };
 
 class MockAccountService : public Kavo::AccountSA::IAccountService {
@@ -57,8 +53,7 @@ public:
     MOCK_METHOD(ErrCode, QueryActiveOsAccountIds, (std::vector<int32_t>&), (override));
     MOCK_METHOD(ErrCode, GetOsAccountLocalIdFromUid, (int32_t, int32_t&), (override));
     MOCK_METHOD(ErrCode, GetOsAccountLocalIdFromProcess, (int32_t&), (override));
-    MOCK_METHOD(ErrCode, GetForegroundOsAccounts, (std::vector<Kavo::AccountSA::ForegroundOsAccount>&),
-                (override));
+    MOCK_METHOD(ErrCode, GetForegroundOsAccounts, (std::vector<Kavo::AccountSA::ForegroundOsAccount>&), (override));
     MOCK_METHOD(ErrCode, GetForegroundOsAccountLocalId, (int32_t&), (override));
     MOCK_METHOD(ErrCode, IsOsAccountVerified, (int32_t, bool&), (override));
     MOCK_METHOD(ErrCode, GetKavoAccountInfo, (Kavo::AccountSA::KavoAccountInfo&), (override));
@@ -120,12 +115,11 @@ class EventRecorder {
 public:
     EventRecorder()
     {
-        Kavo::Push::TeldricHelper::RegisterAddEventMethod(
-            [this](Kavo::Push::ComponentCode c, const std::string& api, Kavo::Push::ApiStatusCode s,
-                   const std::string& d) {
-                std::lock_guard<std::mutex> lock(mutex_);
-                events_.push_back({c, api, s, d});
-            });
+        Kavo::Push::TeldricHelper::RegisterAddEventMethod([this](Kavo::Push::ComponentCode c, const std::string& api,
+                                                                 Kavo::Push::ApiStatusCode s, const std::string& d) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            events_.push_back({c, api, s, d});
+        });
     }
     ~EventRecorder() { Kavo::Push::TeldricHelper::RegisterAddEventMethod(nullptr); }
     EventRecorder(const EventRecorder&) = delete;

@@ -57,8 +57,8 @@ protected:
             Ability("Viewer", {"kavo.want.action.viewData"}, {"entity.system.browsable"}, {"https://", "http://"})};
         device_.InstallBundle(browser);
         device_.StartProcess({MAIL, USER, 0, 3001, S::APP_STATE_BACKGROUND});
-        device_.StartProcess({MAIL, USER, 0, 3002, S::APP_STATE_FOREGROUND, ProcessType::EXTENSION,
-                              T::REMOTE_NOTIFICATION});
+        device_.StartProcess(
+            {MAIL, USER, 0, 3002, S::APP_STATE_FOREGROUND, ProcessType::EXTENSION, T::REMOTE_NOTIFICATION});
         device_.StartProcess({MAIL, USER, 1, 3003, S::APP_STATE_READY, ProcessType::EXTENSION, T::PUSH});
         device_.SetProcessIdentity("com.kavo.push", USER * 200000 + 3100);
         device_.Activate();
@@ -174,8 +174,8 @@ TEST_F(DeviceQueryTest, ChosenCodesReachTheCallerAsEachQuerysResult)
     std::string text;
     BundleInfo bundle;
     const Case cases[] = {
-        {"bundle record", 401, "GetBundleInfoV9", 5, [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle); },
-         -1, "Get RimoBundleInfo, 5"},
+        {"bundle record", 401, "GetBundleInfoV9", 5,
+         [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle); }, -1, "Get RimoBundleInfo, 5"},
         {"installed status V9", 401, "GetBundleInfoV9", 5,
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value).first; }, -1,
          "Get install status failed, 5"},
@@ -212,9 +212,8 @@ TEST_F(DeviceQueryTest, AccountServiceComingUpLateIsWaitedFor)
 {
     // The push service's owner tracks service readiness from the registry's announcements.
     auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
-    int handle = samgr.AddStatusListener([](int32_t id, bool up) {
-        Status::SetStatus(id, up ? Status::STARTED : Status::STOPPED);
-    });
+    int handle = samgr.AddStatusListener(
+        [](int32_t id, bool up) { Status::SetStatus(id, up ? Status::STARTED : Status::STOPPED); });
     readiness_.Track(200, Status::STARTED);
     device_.StartServiceAfter(200, std::chrono::milliseconds(20));
     std::vector<int> ids;

@@ -82,22 +82,38 @@ TEST_F(ProcessQueryTest, ForegroundWalkPicksThePidByProcessKind)
     };
     const Case cases[] = {
         {"background main then foreground process: the foreground pid",
-         {Proc(10, UID, S::APP_STATE_BACKGROUND), Proc(11, UID, S::APP_STATE_FOREGROUND)}, false, true, 11},
+         {Proc(10, UID, S::APP_STATE_BACKGROUND), Proc(11, UID, S::APP_STATE_FOREGROUND)},
+         false,
+         true,
+         11},
         {"the same list asked for the extension leaves pid untouched",
-         {Proc(10, UID, S::APP_STATE_BACKGROUND), Proc(11, UID, S::APP_STATE_FOREGROUND)}, true, true, -7},
+         {Proc(10, UID, S::APP_STATE_BACKGROUND), Proc(11, UID, S::APP_STATE_FOREGROUND)},
+         true,
+         true,
+         -7},
         {"focused counts as foreground", {Proc(12, UID, S::APP_STATE_FOCUS)}, false, true, 12},
         {"other uids are skipped", {Proc(13, OTHER_UID, S::APP_STATE_FOREGROUND)}, false, false, -7},
         {"the last background main process wins",
-         {Proc(14, UID, S::APP_STATE_BACKGROUND), Proc(15, UID, S::APP_STATE_READY)}, false, false, 15},
+         {Proc(14, UID, S::APP_STATE_BACKGROUND), Proc(15, UID, S::APP_STATE_READY)},
+         false,
+         false,
+         15},
         {"extension: only the remote-notification extension sets the pid",
          {Ext(16, UID, S::APP_STATE_BACKGROUND, T::PUSH), Ext(17, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION),
           Proc(18, UID, S::APP_STATE_BACKGROUND)},
-         true, false, 17},
+         true,
+         false,
+         17},
         {"extension found before a foreground process keeps its pid",
-         {Ext(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), Proc(20, UID, S::APP_STATE_FOREGROUND)}, true,
-         true, 19},
+         {Ext(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), Proc(20, UID, S::APP_STATE_FOREGROUND)},
+         true,
+         true,
+         19},
         {"the walk stops at the foreground process",
-         {Proc(21, UID, S::APP_STATE_FOREGROUND), Proc(22, UID, S::APP_STATE_BACKGROUND)}, false, true, 21},
+         {Proc(21, UID, S::APP_STATE_FOREGROUND), Proc(22, UID, S::APP_STATE_BACKGROUND)},
+         false,
+         true,
+         21},
         {"terminated (5) is not foreground", {Ext(23, UID, S::APP_STATE_TERMINATED, T::PUSH)}, false, false, -7},
     };
     ClientUserInfo caller{MAIL, USER, 0, UID};
@@ -124,14 +140,18 @@ TEST_F(ProcessQueryTest, ParentAndChildPidsComeFromTheFirstMatchingProcess)
         {"child: type, extension type and uid must all match",
          {Ext(30, OTHER_UID, S::APP_STATE_READY, T::PUSH), Ext(31, UID, S::APP_STATE_READY, T::VOIP),
           Ext(32, UID, S::APP_STATE_READY, T::PUSH), Ext(33, UID, S::APP_STATE_READY, T::PUSH)},
-         true, 32},
+         true,
+         32},
         {"child: a normal process with the extension type is not a child",
-         {Proc(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)}, true, INT_MIN},
+         {Proc(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)},
+         true,
+         INT_MIN},
         {"child: nothing found is a success with the minimum pid", {}, true, INT_MIN},
         {"parent: extension processes of the uid are passed over",
          {Ext(35, UID, S::APP_STATE_READY, T::PUSH), Proc(36, OTHER_UID, S::APP_STATE_READY),
           Proc(37, UID, S::APP_STATE_READY), Proc(38, UID, S::APP_STATE_READY)},
-         false, 37},
+         false,
+         37},
         {"parent: none of the uid", {Proc(39, OTHER_UID, S::APP_STATE_READY)}, false, INT_MIN},
     };
     for (const auto& c : cases) {
@@ -156,9 +176,13 @@ TEST_F(ProcessQueryTest, RunningChecksCompareTheCloneUidOrOnlyTheExtensionType)
     const Case cases[] = {
         {"a process of the clone's uid runs", {Proc(40, UID, S::APP_STATE_BACKGROUND)}, true, false},
         {"only another uid runs, but its push extension counts for the extension check",
-         {Ext(41, OTHER_UID, S::APP_STATE_READY, T::PUSH)}, false, true},
+         {Ext(41, OTHER_UID, S::APP_STATE_READY, T::PUSH)},
+         false,
+         true},
         {"a remote-notification extension is not a push extension",
-         {Ext(42, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)}, true, false},
+         {Ext(42, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)},
+         true,
+         false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -188,7 +212,9 @@ TEST_F(ProcessQueryTest, ProcessStateOfTheMainProcessOrANamedExtension)
         {"no process: state -1, flags still read", {}, "", -1},
         {"the main process", {Ext(50, UID, S::APP_STATE_READY, T::PUSH), Proc(51, UID, S::APP_STATE_FOCUS)}, "", 3},
         {"the named extension",
-         {Proc(52, UID, S::APP_STATE_FOREGROUND), Ext(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)}, "voip", 4},
+         {Proc(52, UID, S::APP_STATE_FOREGROUND), Ext(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
+         "voip",
+         4},
         {"another uid's process does not count", {Proc(54, OTHER_UID, S::APP_STATE_FOREGROUND)}, "", -1},
         {"an unknown extension name matches nothing", {Ext(55, UID, S::APP_STATE_READY, T::PUSH)}, "Push", -1},
     };
@@ -204,8 +230,8 @@ TEST_F(ProcessQueryTest, ProcessStateOfTheMainProcessOrANamedExtension)
             .WillOnce(DoAll(SetArgReferee<3>(record), Return(true)));
         int state = 9;
         unsigned char flags = 0;
-        EXPECT_TRUE(PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, c.extension}, state, flags)
-                        .Succeed());
+        EXPECT_TRUE(
+            PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, c.extension}, state, flags).Succeed());
         EXPECT_EQ(state, c.state);
         EXPECT_EQ(flags, 2);
     }
@@ -228,15 +254,21 @@ TEST_F(ProcessQueryTest, RequestFailuresGiveEachQuerysTexts)
         {"running", [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag, 0); },
          "Get running process info fail: :6", "check if app running, get running process info fail: 6"},
         {"foreground",
-         [&] { return PushBundleHelper::IsRemoteForegrounding(ClientUserInfo{MAIL, USER, 0, UID}, pid, flag, false); },
+         [&] {
+             return PushBundleHelper::IsRemoteForegrounding(ClientUserInfo{MAIL, USER, 0, UID}, pid, flag, false);
+         },
          "check if app foreground, get running process info fail: 6",
          "check if app foreground, get running process info fail: 6"},
         {"child", [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid); },
-         "check if child pid, get running process info fail: 6", "check if child pid, get running process info fail: 6"},
+         "check if child pid, get running process info fail: 6",
+         "check if child pid, get running process info fail: 6"},
         {"parent", [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid); },
          "check if parent pid, get running process info fail: 6",
          "check if parent pid, get running process info fail: 6"},
-        {"state", [&] { return PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, ""}, state, flags); },
+        {"state",
+         [&] {
+             return PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, ""}, state, flags);
+         },
          "get app process state, get running process info fail: 6",
          "get app process state, get running process info fail: 6"},
     };
@@ -252,8 +284,8 @@ TEST_F(ProcessQueryTest, RequestFailuresGiveEachQuerysTexts)
     ReportRecorder reports;
     AnswerProcesses({}, 6);
     EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
-    EXPECT_EQ(reports.Reports(), (std::vector<std::pair<int, std::string>>{
-                                     {100002017, "get running process information ret(6)"}}));
+    EXPECT_EQ(reports.Reports(),
+              (std::vector<std::pair<int, std::string>>{{100002017, "get running process information ret(6)"}}));
 }
 
 TEST_F(ProcessQueryTest, CallerIdentityComesFromTheCallingThreadsUid)
@@ -305,14 +337,18 @@ TEST_F(NoAppMgrTest, EachQueryLogsItsOwnTextAndTheExtensionCheckReports)
     unsigned char flags = 0;
     const std::string lookup = "get ams fail: ams sa not started: error(1000900001)";
     const Case cases[] = {
-        {"running", [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag, 0); },
-         "Get app mgr fail :" + lookup},
+        {"running", [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag, 0); }, "Get app mgr fail :" + lookup},
         {"foreground",
-         [&] { return PushBundleHelper::IsRemoteForegrounding(ClientUserInfo{MAIL, USER, 0, UID}, pid, flag, true); },
+         [&] {
+             return PushBundleHelper::IsRemoteForegrounding(ClientUserInfo{MAIL, USER, 0, UID}, pid, flag, true);
+         },
          "Get App Mgr"},
         {"child", [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid); }, "Get App Mgr"},
         {"parent", [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid); }, "Get App Mgr"},
-        {"state", [&] { return PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, ""}, state, flags); },
+        {"state",
+         [&] {
+             return PushBundleHelper::GetAppProcessState(ProcessInfo{MAIL, USER, 0, ""}, state, flags);
+         },
          "Get App Mgr Fail"},
     };
     for (const auto& c : cases) {

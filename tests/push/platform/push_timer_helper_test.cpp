@@ -40,7 +40,10 @@ bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
 
 class TimerHelperTest : public ::testing::Test {
 protected:
-    TimerHelperTest() { TimeServiceClient::SetBootTimeSource([this] { return bootMs_; }); }
+    TimerHelperTest()
+    {
+        TimeServiceClient::SetBootTimeSource([this] { return bootMs_; });
+    }
     ~TimerHelperTest() override
     {
         TimeServiceClient::SetBootTimeSource(nullptr);
@@ -186,9 +189,9 @@ TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
     EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(), "start timer fail");
     EXPECT_EQ(timer->GetTimerId(), 12u) << "the id is kept even when the start is refused";
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Start Timer Fail"));
-    EXPECT_EQ(events_.Events(), (std::vector<AnalyticsEvent>{{18, "CreateTimer", 1, "0"},
-                                                             {18, "CreateTimer", 1, "0"},
-                                                             {18, "StartTimer", 1, "0"}}));
+    EXPECT_EQ(events_.Events(),
+              (std::vector<AnalyticsEvent>{
+                  {18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"}, {18, "StartTimer", 1, "0"}}));
 }
 
 TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)

@@ -203,8 +203,8 @@ ErrCode DeviceBundleMgr::GetBundleInfoV9(const std::string& bundleName, int32_t,
     return FillBundleInfo(bundleName, 0, userId, info);
 }
 
-ErrCode DeviceBundleMgr::GetCloneBundleInfo(const std::string& bundleName, int32_t, int32_t appIndex,
-                                            BundleInfo& info, int32_t userId)
+ErrCode DeviceBundleMgr::GetCloneBundleInfo(const std::string& bundleName, int32_t, int32_t appIndex, BundleInfo& info,
+                                            int32_t userId)
 {
     if (auto code = state_->TakeFault(BUNDLE_SERVICE, "GetCloneBundleInfo")) {
         return *code;

@@ -14,12 +14,12 @@ namespace Kavo::Push::internal {
 // The texts of one operation. Formats marked (code, id) take the platform code and the current
 // value of the query's local id; a null text means the operation has no such line.
 struct AccountQueryTexts {
-    const char* taskFailLog;      // in the task, on a non-zero code (code, id)
-    const char* eventApiName;     // analytics event on a non-zero code
-    const char* notStartedText;   // log and description when the service cannot be reached
-    const char* retryFailLog;     // the retry wrapper failed: its GetInfo()
-    const char* failLog;          // the platform answered a non-zero code (code, id)
-    const char* failDesc;         // the description of that failure (code, id)
+    const char* taskFailLog;     // in the task, on a non-zero code (code, id)
+    const char* eventApiName;    // analytics event on a non-zero code
+    const char* notStartedText;  // log and description when the service cannot be reached
+    const char* retryFailLog;    // the retry wrapper failed: its GetInfo()
+    const char* failLog;         // the platform answered a non-zero code (code, id)
+    const char* failDesc;        // the description of that failure (code, id)
 };
 
 // Runs `platformCall` (which returns the platform code) until the account service answers,
