@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <tuple>
@@ -14,12 +15,20 @@
 #include "kavo/host/account/iaccount_service.h"
 #include "kavo/host/appmgr/iapp_mgr.h"
 #include "kavo/host/bundle/ibundle_mgr.h"
+#include "kavo/host/log/log.h"
 #include "kavo/host/samgr/system_ability_manager.h"
 #include "kavo/host/time/time_service_client.h"
 #include "kavo/push/common/system_ability_status_service.h"
 #include "kavo/push/event/teldric_helper.h"
 
 namespace KavoTest {
+
+// Whether the capture holds a line with exactly this text.
+inline bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
+{
+    const auto texts = cap.Texts();
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
 
 using namespace Kavo::AppExecFwk;
 using Kavo::AAFwk::Want;

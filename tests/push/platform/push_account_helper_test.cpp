@@ -34,16 +34,6 @@ constexpr int32_t NOT_REACHED = 4194321;
 constexpr int ACCOUNT = 200;
 constexpr int POLL_MS = 20;  // ten polls: a window of 200 ms for the announcement
 
-bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
-{
-    for (const auto& t : cap.Texts()) {
-        if (t == text) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // The platform call of each retried operation, made to answer `code`; the foreground id that
 // IsOsAccountVerified asks first is 100.
 struct RetriedOp {

@@ -47,16 +47,6 @@ RunningProcessInfo Ext(int pid, int uid, S state, T ext)
     return Proc(pid, uid, state, ProcessType::EXTENSION, ext);
 }
 
-bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
-{
-    for (const auto& t : cap.Texts()) {
-        if (t == text) {
-            return true;
-        }
-    }
-    return false;
-}
-
 class ProcessQueryTest : public ::testing::Test {
 protected:
     void AnswerProcesses(const std::vector<RunningProcessInfo>& list, int32_t code = 0)

@@ -28,16 +28,6 @@ using Reports = std::vector<std::pair<int, std::string>>;
 constexpr int TIME_SERVICE = 3702;
 constexpr int64_t BOOT_MS = 5000000;
 
-bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
-{
-    for (const auto& t : cap.Texts()) {
-        if (t == text) {
-            return true;
-        }
-    }
-    return false;
-}
-
 class TimerHelperTest : public ::testing::Test {
 protected:
     TimerHelperTest()
@@ -222,16 +212,6 @@ TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)
     }
     TimeServiceClient::SetClientAvailable(false);
     EXPECT_EQ(SystemClockUtil::GetBootTimeMillis(), -1) << "no client reads as boot time 0";
-}
-
-TEST(TimestampTest, WallClockMillisecondsAgreeWithTheSystemClock)
-{
-    using namespace std::chrono;
-    int64_t before = duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    int64_t stamp = PushTimerHelper::GetTimestampMs();
-    int64_t after = duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    EXPECT_LE(before, stamp);
-    EXPECT_LE(stamp, after);
 }
 
 }  // namespace
