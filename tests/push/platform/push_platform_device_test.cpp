@@ -156,6 +156,150 @@ TEST_F(DeviceQueryTest, AccountQueriesReadTheDevice)
     EXPECT_TRUE(events_.Events().empty());
 }
 
+// The remaining queries, each answered from the device's state.
+TEST_F(DeviceQueryTest, EveryOtherQuerySucceedsWithTheDevicesAnswer)
+{
+    struct Case {
+        const char* name;
+        std::function<PushBaseRsp(std::string& shown)> act;
+        std::string expected;
+    };
+    auto want = [] {
+        Want w;
+        w.SetBundle(MAIL);
+        return w;
+    };
+    const Case cases[] = {
+        {"typed extension query",
+         [&](std::string& shown) {
+             std::vector<ExtensionAbilityInfo> infos;
+             PushBaseRsp rsp = PushBundleHelper::QueryExtensionAbilityInfos(want(), T::PUSH, 0, USER, infos);
+             shown = std::to_string(infos.size()) + " " + std::to_string(infos.at(1).uid);
+             return rsp;
+         },
+         "2 20010043"},
+        {"one ability by want",
+         [](std::string& shown) {
+             AbilityInfo info;
+             Want w;
+             w.SetUri("https://example.com");
+             PushBaseRsp rsp = PushBundleHelper::QueryAbilityInfo(w, 0, USER, info);
+             shown = info.bundleName + "/" + info.name;
+             return rsp;
+         },
+         BROWSER + "/Viewer"},
+        {"ability by action",
+         [](std::string& shown) {
+             AbilityInfo info;
+             PushBaseRsp rsp = PushBundleHelper::GetAbilityByAction(BROWSER, "kavo.want.action.viewData", USER, info);
+             shown = info.name;
+             return rsp;
+         },
+         "Viewer"},
+        {"ability by uri",
+         [](std::string& shown) {
+             AbilityInfo info;
+             PushBaseRsp rsp = PushBundleHelper::GetAbilityByUri(BROWSER, "http://a", USER, info);
+             shown = info.name;
+             return rsp;
+         },
+         "Viewer"},
+        {"ability by name",
+         [](std::string& shown) {
+             AbilityInfo info;
+             PushBaseRsp rsp = PushBundleHelper::GetAbilityByName(MAIL, "MainAbility", USER, info);
+             shown = info.name;
+             return rsp;
+         },
+         "MainAbility"},
+        {"name for uid", [](std::string& shown) { return PushBundleHelper::GetNameForUid(20010043, shown); }, MAIL},
+        {"app index of a clone's uid",
+         [](std::string& shown) {
+             int index = -1;
+             PushBaseRsp rsp = PushBundleHelper::GetAppIndex(20010043, index);
+             shown = std::to_string(index);
+             return rsp;
+         },
+         "1"},
+        {"clone record",
+         [](std::string& shown) {
+             int ret = -1;
+             BundleInfo info = PushBundleHelper::GetBundleInfo(MAIL, USER, 1, ret);
+             shown = std::to_string(info.uid) + " " + std::to_string(info.extensionInfos.size());
+             return PushBaseRsp(static_cast<Kavo::Push::PushError>(ret));
+         },
+         "20010043 1"},
+        {"installed clone",
+         [](std::string& shown) {
+             auto [rsp, status] = PushBundleHelper::GetInstalledStatus(MAIL, USER, 1);
+             shown = std::to_string(status);
+             return rsp;
+         },
+         "1"},
+        {"application uid",
+         [](std::string& shown) {
+             int uid = 0;
+             PushBaseRsp rsp = PushBundleHelper::GetAppUidForName(BROWSER, USER, uid);
+             shown = std::to_string(uid);
+             return rsp;
+         },
+         "20010050"},
+        {"checker flags",
+         [](std::string& shown) {
+             unsigned char flags = 0;
+             PushBaseRsp rsp = PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags);
+             shown = std::to_string(flags);
+             return rsp;
+         },
+         "4"},
+        {"parent pid",
+         [](std::string& shown) {
+             int pid = 0;
+             PushBaseRsp rsp = PushBundleHelper::GetParentProcessPid(MAIL, USER, 20010042, pid);
+             shown = std::to_string(pid);
+             return rsp;
+         },
+         "3001"},
+        {"extension process running",
+         [](std::string& shown) {
+             shown = PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH) ? "yes" : "no";
+             return PushBaseRsp();
+         },
+         "yes"},
+        {"foreground accounts",
+         [](std::string& shown) {
+             std::vector<int> ids;
+             PushBaseRsp rsp = PushAccountHelper::GetForegroundOsAccounts(ids);
+             shown = std::to_string(ids.size()) + " " + std::to_string(ids.at(0));
+             return rsp;
+         },
+         "1 100"},
+        {"foreground account id",
+         [](std::string& shown) {
+             int id = -1;
+             PushBaseRsp rsp = PushAccountHelper::GetForegroundOsAccountLocalId(id);
+             shown = std::to_string(id);
+             return rsp;
+         },
+         "100"},
+        {"account of a guest's uid",
+         [](std::string& shown) {
+             int id = -1;
+             PushBaseRsp rsp = PushAccountHelper::GetOsAccountLocalIdFromUid(20210042, id);
+             shown = std::to_string(id);
+             return rsp;
+         },
+         "101"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string shown;
+        PushBaseRsp rsp = c.act(shown);
+        EXPECT_TRUE(rsp.Succeed()) << rsp.GetInfo();
+        EXPECT_EQ(shown, c.expected);
+    }
+}
+
 // Each query meets its service answering a chosen code.
 TEST_F(DeviceQueryTest, ChosenCodesReachTheCallerAsEachQuerysResult)
 {
