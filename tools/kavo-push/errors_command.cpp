@@ -1,6 +1,7 @@
 // `kavo-push errors`: the public error codes and the messages applications receive.
 #include <iostream>
 
+#include "cli_io.h"
 #include "command.h"
 #include "kavo/push/common/push_error_message.h"
 
@@ -10,23 +11,21 @@ namespace {
 
 int RunErrors(const std::vector<std::string>& args)
 {
-    if (args.size() > 1) {
+    Arguments a;
+    std::string error;
+    if (!ParseArguments(args, {}, a, error)) {
+        return UsageError("errors", error);
+    }
+    if (a.positional.size() > 1) {
         return UsageError("errors", "expected at most one CODE");
     }
-    if (args.size() == 1) {
-        int code = 0;
-        try {
-            size_t used = 0;
-            code = std::stoi(args[0], &used);
-            if (used != args[0].size()) {
-                return UsageError("errors", "CODE must be a decimal number");
-            }
-        } catch (const std::exception&) {
+    if (a.positional.size() == 1) {
+        int32_t code = 0;
+        if (!ParseInt32(a.positional[0], code)) {
             return UsageError("errors", "CODE must be a decimal number");
         }
         if (!Kavo::Push::PushErrorMessage::IsErrorExist(code)) {
-            std::cerr << "kavo-push errors: " << code << " is not a public error code\n";
-            return EXIT_FAILED;
+            return Failed("errors", std::to_string(code) + " is not a public error code");
         }
         auto rsp = Kavo::Push::PushErrorMessage::RebuildPushRsp(code);
         std::cout << rsp.GetErrAsInt32() << "\t" << rsp.GetErrDescription() << "\n";

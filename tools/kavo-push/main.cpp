@@ -39,6 +39,16 @@ void PrintOverview(std::ostream& out)
     out << "\n'kavo-push COMMAND --help' describes one command.\n";
 }
 
+// A result that did not reach standard output (a full disk, a closed pipe) fails the command.
+int Finish(int status)
+{
+    if (!std::cout.flush()) {
+        std::cerr << "kavo-push: cannot write standard output\n";
+        return status == EXIT_OK ? EXIT_FAILED : status;
+    }
+    return status;
+}
+
 }  // namespace
 
 }  // namespace KavoTool
@@ -53,7 +63,7 @@ int main(int argc, char** argv)
     std::string name = argv[1];
     if (name == "help" || name == "--help" || name == "-h") {
         PrintOverview(std::cout);
-        return EXIT_OK;
+        return Finish(EXIT_OK);
     }
     std::vector<std::string> args(argv + 2, argv + argc);
     for (const auto& command : Commands()) {
@@ -62,9 +72,9 @@ int main(int argc, char** argv)
         }
         if (WantsHelp(args)) {
             std::cout << command.usage;
-            return EXIT_OK;
+            return Finish(EXIT_OK);
         }
-        return command.run(args);
+        return Finish(command.run(args));
     }
     std::cerr << "kavo-push: unknown command '" << name << "'\n";
     PrintOverview(std::cerr);

@@ -1,0 +1,97 @@
+// Feeds arbitrary text to Str2Json, then every typed read over the members it finds, and writes
+// the value back out in both forms. Traps on any broken promise: a failure text without its
+// prefix, a typed read that neither gave the member nor the default, a text that does not read
+// back as the same value.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kavo/push/json/json_utils.h"
+
+namespace {
+
+using Kavo::Push::JsonUtils;
+
+void Check(bool promise)
+{
+    if (!promise) {
+        __builtin_trap();
+    }
+}
+
+void CheckTypedReads(const Json::Value& root, const std::string& key)
+{
+    const bool present = root.isObject() && root.isMember(key);
+    const Json::Value member = present ? root[key] : Json::Value();
+    int i = -1;
+    JsonUtils::ParseInt(root, key, i, 7);
+    Check(i == (present && member.isInt() ? member.asInt() : 7));
+    long l = -1;
+    JsonUtils::ParseInt64(root, key, l, 7);
+    Check(l == (present && member.isInt64() ? member.asInt64() : 7));
+    unsigned char u8 = 0;
+    JsonUtils::ParseUInt8(root, key, u8, 7);
+    Check(u8 == (present && member.isInt() ? static_cast<unsigned char>(member.asInt()) : 7));
+    unsigned int u = 0;
+    JsonUtils::ParseUint(root, key, u, 7);
+    Check(u == (present && member.isInt() ? static_cast<unsigned int>(member.asInt()) : 7u));
+    std::string s;
+    JsonUtils::ParseString(root, key, s, "dflt");
+    Check(s == (present && member.isString() ? member.asString() : "dflt"));
+}
+
+// Comments survive parsing and are written back; on one line they swallow the rest of the text.
+bool HasComments(const Json::Value& value)
+{
+    for (auto placement : {Json::commentBefore, Json::commentAfterOnSameLine, Json::commentAfter}) {
+        if (value.hasComment(placement)) {
+            return true;
+        }
+    }
+    if (value.isArray() || value.isObject()) {
+        for (const auto& member : value) {
+            if (HasComments(member)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void CheckReadsBack(const Json::Value& root, const std::string& text)
+{
+    Json::Value back;
+    Check(JsonUtils::Str2Json(text, back).Succeed());
+    Check(back == root);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    Json::Value root;
+    Kavo::Push::PushBaseRsp rsp = JsonUtils::Str2Json(text, root);
+    if (!rsp.Succeed()) {
+        Check(rsp.GetErrDescription().rfind("json parse error, ret: 0, errs: ", 0) == 0);
+        Check(root.isNull());
+        return 0;
+    }
+    std::vector<std::string> keys = {"", "k"};
+    if (root.isObject()) {
+        for (const std::string& name : root.getMemberNames()) {
+            keys.push_back(name);
+        }
+    }
+    for (const std::string& key : keys) {
+        CheckTypedReads(root, key);
+    }
+    std::string indented;
+    JsonUtils::Json2Str(root, indented);
+    if (!HasComments(root)) {
+        CheckReadsBack(root, JsonUtils::Json2Str(root));
+    }
+    CheckReadsBack(root, indented);
+    return 0;
+}

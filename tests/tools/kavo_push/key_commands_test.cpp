@@ -1,0 +1,145 @@
+// keygen and certchain as a user runs them: what they print must satisfy OpenSSL.
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/host/dcm/dcm_test_util.h"
+#include "tests/tools/kavo_push/tool_runner.h"
+
+namespace {
+
+using KavoTest::RunProgram;
+using KavoTest::RunTool;
+using KavoTest::TempDir;
+using KavoTest::ToolRun;
+using PkeyPtr = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
+
+// The hex after "NAME: " on its line, as bytes.
+std::string HexField(const std::string& out, const std::string& name)
+{
+    std::string bytes;
+    size_t at = out.find(name + ": ");
+    if (at == std::string::npos) {
+        return bytes;
+    }
+    for (at += name.size() + 2; at + 1 < out.size() && out[at] != '\n'; at += 2) {
+        bytes += static_cast<char>(std::stoi(out.substr(at, 2), nullptr, 16));
+    }
+    return bytes;
+}
+
+std::string RawPublic(EVP_PKEY* key)
+{
+    std::string raw(32, '\0');
+    size_t size = raw.size();
+    EVP_PKEY_get_raw_public_key(key, reinterpret_cast<unsigned char*>(raw.data()), &size);
+    return raw.substr(0, size);
+}
+
+// The DER parses whole as an Ed25519 key; the material's header words, public key and private
+// key all describe that same key.
+void ExpectOneKeyPair(const std::string& material, const std::string& der)
+{
+    auto bytes = [](const std::string& s, size_t at) { return reinterpret_cast<const unsigned char*>(s.data()) + at; };
+    const unsigned char* cursor = bytes(der, 0);
+    PkeyPtr fromDer(d2i_PUBKEY(nullptr, &cursor, static_cast<long>(der.size())), EVP_PKEY_free);
+    ASSERT_NE(fromDer, nullptr);
+    EXPECT_EQ(cursor, bytes(der, der.size()));
+    EXPECT_EQ(EVP_PKEY_get_id(fromDer.get()), EVP_PKEY_ED25519);
+    ASSERT_EQ(material.size(), 84u);
+    const uint32_t header[] = {102, 256, 32, 32, 0};
+    EXPECT_EQ(std::memcmp(material.data(), header, sizeof(header)), 0) << "words in host byte order";
+    EXPECT_EQ(material.substr(20, 32), RawPublic(fromDer.get()));
+    PkeyPtr fromPrivate(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, bytes(material, 52), 32),
+                        EVP_PKEY_free);
+    ASSERT_NE(fromPrivate, nullptr);
+    EXPECT_EQ(RawPublic(fromPrivate.get()), RawPublic(fromDer.get())) << "the private key belongs to the public one";
+}
+
+TEST(KeyCommandsTest, KeygenPrintsOrWritesOneFreshKeyPair)
+{
+    TempDir dir;
+    std::string firstDer;
+    for (bool toFiles : {false, true}) {
+        SCOPED_TRACE(toFiles ? "files" : "hex on standard output");
+        std::vector<std::string> args = {"keygen"};
+        if (toFiles) {
+            args.insert(args.end(), {"--out-dir", dir.Path()});
+        }
+        ToolRun run = RunTool(args);
+        ASSERT_EQ(run.status, 0) << run.err;
+        std::string material = toFiles ? dir.Read("key_material.bin") : HexField(run.out, "key-material");
+        std::string der = toFiles ? dir.Read("public_key.der") : HexField(run.out, "public-key-der");
+        ExpectOneKeyPair(material, der);
+        EXPECT_NE(der, firstDer) << "every run makes a new key";
+        firstDer = der;
+        if (toFiles) {
+            EXPECT_EQ(run.out, dir.File("key_material.bin") + "\n" + dir.File("public_key.der") + "\n");
+            struct stat info = {};
+            ASSERT_EQ(stat(dir.File("key_material.bin").c_str(), &info), 0);
+            EXPECT_EQ(info.st_mode & 0777, 0600u) << "the private key is for its owner alone";
+        }
+    }
+}
+
+// Splits the printed chain at its end markers, each PEM keeping its line break.
+std::vector<std::string> SplitPems(const std::string& out)
+{
+    const std::string end = "-----END CERTIFICATE-----\n";
+    std::vector<std::string> pems;
+    for (size_t start = 0, stop = 0; (stop = out.find(end, start)) != std::string::npos; start = stop + end.size()) {
+        pems.push_back(out.substr(start, stop + end.size() - start));
+    }
+    return pems;
+}
+
+TEST(KeyCommandsTest, CertchainOutputVerifiesWithOpenssl)
+{
+    struct Case {
+        const char* behaviour;
+        std::string challenge;
+        bool toFiles;
+    };
+    const Case cases[] = {
+        {"a plain challenge on standard output", "c0ffee-challenge", false},
+        {"an empty challenge", "", false},
+        {"spaces and UTF-8 pass through as they are", "nonce with spaces \xc3\xa9", false},
+        {"the three files", "file challenge", true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        TempDir dir;
+        std::vector<std::string> args = {"certchain", "--challenge", c.challenge};
+        if (c.toFiles) {
+            args.insert(args.end(), {"--out-dir", dir.Path()});
+        }
+        ToolRun run = RunTool(args);
+        ASSERT_EQ(run.status, 0) << run.err;
+        const char* names[] = {"device.pem", "intermediate.pem", "root.pem"};
+        if (c.toFiles) {
+            EXPECT_EQ(run.out, dir.File(names[0]) + "\n" + dir.File(names[1]) + "\n" + dir.File(names[2]) + "\n");
+        } else {
+            std::vector<std::string> pems = SplitPems(run.out);
+            ASSERT_EQ(pems.size(), 3u) << run.out;
+            EXPECT_EQ(pems[0] + pems[1] + pems[2], run.out) << "nothing around the three PEM texts";
+            for (size_t i = 0; i < pems.size(); ++i) {
+                dir.Write(names[i], pems[i]);
+            }
+        }
+        ToolRun verify = RunProgram({"openssl", "verify", "-CAfile", dir.File("root.pem"), "-untrusted",
+                                     dir.File("intermediate.pem"), dir.File("device.pem")});
+        EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+        auto leaf = KavoTest::ParsePem(dir.Read("device.pem"));
+        ASSERT_NE(leaf, nullptr);
+        EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), c.challenge);
+    }
+}
+
+}  // namespace
