@@ -31,12 +31,6 @@ sptr<IBundleMgr> Bms()
         SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401));
 }
 
-sptr<IAppMgr> Ams()
-{
-    return iface_cast<IAppMgr>(
-        SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(501));
-}
-
 class DeviceTest : public ::testing::Test {
 protected:
     DeviceTest()
@@ -47,13 +41,6 @@ protected:
         Host::InstalledBundle mail{MAIL, 10042};
         mail.cloneIndexes = {1};
         mail.userIds = {100, 101};
-        mail.tsanEnabled = true;
-        ExtensionAbilityInfo push;
-        push.name = "PushExt";
-        push.type = ExtensionAbilityType::PUSH;
-        ExtensionAbilityInfo clonePush = push;
-        clonePush.appIndex = 1;
-        mail.extensions = {push, clonePush};
         device_.InstallBundle(mail);
         device_.Activate();
     }
@@ -96,28 +83,6 @@ TEST_F(DeviceTest, UidsFollowAccountAppIdAndClone)
     EXPECT_EQ(Bms()->GetNameForUid(20010099, name), ERR_BUNDLE_MANAGER_INVALID_UID);
 }
 
-TEST_F(DeviceTest, BundleRecordsAndExtensionsPerClone)
-{
-    BundleInfo info;
-    EXPECT_EQ(Bms()->GetBundleInfoV9("com.example.none", 1, info, 100), ERR_BUNDLE_MANAGER_BUNDLE_NOT_EXIST);
-    EXPECT_EQ(Bms()->GetBundleInfoV9(MAIL, 1, info, 100), 0);
-    EXPECT_EQ(info.uid, 20010042);
-    EXPECT_TRUE(info.applicationInfo.tsanEnabled);
-    EXPECT_EQ(Bms()->GetCloneBundleInfo(MAIL, 1, 3, info, 100), ERR_BUNDLE_MANAGER_APPINDEX_NOT_EXIST);
-    AAFwk::Want want;
-    want.SetBundle(MAIL);
-    std::vector<ExtensionAbilityInfo> extensions;
-    EXPECT_EQ(Bms()->QueryExtensionAbilityInfosV9(want, 0, 100, extensions), 0);
-    ASSERT_EQ(extensions.size(), 2u);
-    EXPECT_EQ(extensions[1].uid, 20010043);
-    EXPECT_EQ(Bms()->QueryExtensionAbilityInfosV9(want, ExtensionAbilityType::VOIP, 0, 100, extensions),
-              ERR_BUNDLE_MANAGER_ABILITY_NOT_EXIST);
-    bool installed = false;
-    EXPECT_EQ(Bms()->IsBundleInstalled(MAIL, 100, 1, installed), 0);
-    EXPECT_TRUE(installed);
-    EXPECT_EQ(Bms()->IsBundleInstalled(MAIL, 999, 0, installed), ERR_BUNDLE_MANAGER_INVALID_USER_ID);
-}
-
 TEST_F(DeviceTest, AccountsAnswerByTheirFlags)
 {
     std::vector<int32_t> active{55};
@@ -133,23 +98,6 @@ TEST_F(DeviceTest, AccountsAnswerByTheirFlags)
     AccountSA::KavoAccountInfo owner;
     EXPECT_EQ(AccountSA::KavoAccountKits::GetInstance().GetKavoAccountInfo(owner), 0);
     EXPECT_EQ(owner.uid, "kavoAnonymousUid");
-}
-
-TEST_F(DeviceTest, ProcessesAreListedPerBundleAndAccountWithTheirUids)
-{
-    device_.StartProcess({MAIL, 100, 0, 4001, AppProcessState::APP_STATE_FOREGROUND});
-    device_.StartProcess({MAIL, 100, 1, 4002, AppProcessState::APP_STATE_BACKGROUND, ProcessType::EXTENSION,
-                          ExtensionAbilityType::PUSH});
-    device_.StartProcess({MAIL, 101, 0, 4003});
-    std::vector<RunningProcessInfo> list;
-    EXPECT_EQ(Ams()->GetRunningProcessInformation(MAIL, 100, list), 0);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].uid, 20010042);
-    EXPECT_EQ(list[1].uid, 20010043);
-    EXPECT_EQ(list[1].extensionType, ExtensionAbilityType::PUSH);
-    device_.StopProcess(4001);
-    EXPECT_EQ(Ams()->GetRunningProcessInformation(MAIL, 100, list), 0);
-    EXPECT_EQ(list.size(), 1u);
 }
 
 TEST_F(DeviceTest, ChosenCodesAnswerOnceOrUntilCleared)
