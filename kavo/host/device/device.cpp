@@ -86,6 +86,11 @@ void Device::SetProcessIdentity(const std::string& bundleName, int32_t uid)
     }
 }
 
+void Device::SetCallingUid(int32_t uid)
+{
+    IPCSkeleton::SetCallingUid(uid);
+}
+
 int32_t Device::UidOf(const std::string& bundleName, int32_t userId, int32_t appIndex) const
 {
     std::lock_guard<std::mutex> lock(state_->mutex);
@@ -142,6 +147,7 @@ void Device::Deactivate()
     }
     AbilityRuntime::Context::ClearApplicationContext();
     IPCSkeleton::SetProcessUid(-1);
+    IPCSkeleton::ResetCallingUid();
     active_ = false;
 }
 

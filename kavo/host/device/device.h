@@ -115,6 +115,9 @@ public:
     void SetDistributedAccount(const std::string& uid);
     // The process runs as this bundle and uid while the device is active (context and own uid).
     void SetProcessIdentity(const std::string& bundleName, int32_t uid);
+    // The current thread serves an inter-process call of `uid` (IPCSkeleton::GetCallingUid);
+    // other threads are unaffected. Deactivation ends it on the deactivating thread.
+    void SetCallingUid(int32_t uid);
     // The uid of a bundle's clone under an account; -1 when it is not installed there.
     int32_t UidOf(const std::string& bundleName, int32_t userId, int32_t appIndex = 0) const;
 

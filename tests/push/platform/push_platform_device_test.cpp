@@ -9,7 +9,6 @@
 #include <mutex>
 
 #include "kavo/host/device/device.h"
-#include "kavo/host/ipc/ipc_skeleton.h"
 #include "kavo/push/platform/push_account_helper.h"
 #include "kavo/push/platform/push_bundle_helper.h"
 #include "kavo/push/platform/push_distribute_account_helper.h"
@@ -91,10 +90,9 @@ protected:
 
 TEST_F(DeviceQueryTest, PackageAndProcessQueriesReadTheDevice)
 {
-    Kavo::IPCSkeleton::SetCallingUid(device_.UidOf(MAIL, USER, 1));
+    device_.SetCallingUid(device_.UidOf(MAIL, USER, 1));
     ClientUserInfo caller;
     ASSERT_TRUE(PushBundleHelper::GetIpcClientUserInfo(caller).Succeed());
-    Kavo::IPCSkeleton::ResetCallingUid();
     EXPECT_EQ(caller.bundleName, MAIL);
     EXPECT_EQ(caller.userId, USER);
     EXPECT_EQ(caller.appIndex, 1);
