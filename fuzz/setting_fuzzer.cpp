@@ -1,0 +1,69 @@
+// Setting records from hostile bytes. The first byte picks the record: entity setting,
+// subscription setting or basic subscription setting; the rest is its parcel. A decoded entity
+// must also render its JSON form with its own values.
+#include <cstddef>
+#include <cstdint>
+
+#include <json/value.h>
+
+#include "fuzz/record_fuzz_util.h"
+#include "kavo/push/model/entity_setting.h"
+#include "kavo/push/model/subscribe_notification_setting.h"
+
+using namespace Kavo;
+using namespace Kavo::Push;
+
+namespace {
+
+void CheckJson(const uint8_t* data, size_t size)
+{
+    Parcel parcel;
+    if (!parcel.ParseFrom(data, size)) {
+        return;
+    }
+    sptr<EntitySetting> entity = EntitySetting::Unmarshalling(parcel);
+    if (entity == nullptr) {
+        return;
+    }
+    Json::Value json;
+    entity->ToJsonValue(json);
+    const Json::ArrayIndex keys = entity->GetEnable() != nullptr ? 4 : 3;
+    if (json.size() != keys || json["entityId"].asString() != entity->GetEntityId() ||
+        json["entityName"].asString() != entity->GetEntityName() ||
+        json["entityType"].asInt() != static_cast<int>(entity->GetEntityType())) {
+        RecordFuzz::Breach("an entity's JSON form does not hold its values");
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    RecordFuzz::QuietLog();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const uint8_t* body = data + 1;
+    const size_t bodySize = size - 1;
+    switch (data[0] % 3) {
+        case 0:
+            RecordFuzz::CheckRoundTrip<EntitySetting>(body, bodySize,
+                                                      [](const EntitySetting& a, const EntitySetting& b) {
+                                                          return a == b || RecordFuzz::HasNaN(a.GetExtraInfo().get());
+                                                      });
+            CheckJson(body, bodySize);
+            break;
+        case 1:
+            RecordFuzz::CheckRoundTrip<SubscribeNotificationSetting>(body, bodySize);
+            break;
+        default:
+            RecordFuzz::CheckRoundTrip<SubscribeNotificationBasicSetting>(body, bodySize);
+            break;
+    }
+    return 0;
+}

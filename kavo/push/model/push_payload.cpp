@@ -1,0 +1,37 @@
+#include "kavo/push/model/push_payload.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+
+namespace Kavo::Push {
+
+PushPayload::PushPayload(const std::string& type, const std::string& data) : type_(type), data_(data) {}
+
+bool PushPayload::Marshalling(Parcel& parcel) const
+{
+    return parcel.WriteString(type_) && parcel.WriteString(data_);
+}
+
+sptr<PushPayload> PushPayload::Unmarshalling(Parcel& parcel)
+{
+    std::string type;
+    std::string data;
+    if (!parcel.ReadString(type) || !parcel.ReadString(data)) {
+        internal::LogAndReport("PushPayload unmarshalling error");
+        return nullptr;
+    }
+    auto* payload = new (std::nothrow) PushPayload(type, data);
+    if (payload == nullptr) {
+        internal::LogAndReport("New PushPayload error");
+        return nullptr;
+    }
+    return sptr<PushPayload>(payload);
+}
+
+bool PushPayload::operator==(const PushPayload& other) const
+{
+    return type_ == other.type_ && data_ == other.data_;
+}
+
+}  // namespace Kavo::Push

@@ -1,0 +1,30 @@
+#include "kavo/push/model/remote_location_request.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+
+namespace Kavo::Push {
+
+using internal::FailNull;
+
+RemoteLocationRequest::RemoteLocationRequest(const int& survivalTime, const bool& sync, const PushPayload& payload)
+    : PushExtensionInfo(survivalTime, sync, payload)
+{
+}
+
+sptr<RemoteLocationRequest> RemoteLocationRequest::Unmarshalling(Parcel& parcel)
+{
+    sptr<PushExtensionInfo> info = PushExtensionInfo::Unmarshalling(parcel);
+    if (info == nullptr) {
+        return FailNull("ExtensionMessageInfo unmarshalling error");
+    }
+    auto* request =
+        new (std::nothrow) RemoteLocationRequest(info->GetSurvivalTime(), info->GetSync(), info->GetPushPayload());
+    if (request == nullptr) {
+        return FailNull("New RemoteLocationRequest error");
+    }
+    return sptr<RemoteLocationRequest>(request);
+}
+
+}  // namespace Kavo::Push

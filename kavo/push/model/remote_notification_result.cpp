@@ -1,0 +1,78 @@
+#include "kavo/push/model/remote_notification_result.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
+
+namespace Kavo::Push {
+
+using internal::FailRead;
+using internal::FailWrite;
+
+RemoteNotificationResult::RemoteNotificationResult(const RemoteNotificationContent& content,
+                                                   const std::shared_ptr<AAFwk::WantParams>& parameters)
+    : content_(content), parameters_(parameters)
+{
+}
+
+bool RemoteNotificationResult::Marshalling(Parcel& parcel) const
+{
+    if (!parcel.WriteParcelable(&content_)) {
+        return FailWrite("RemoteNotificationResult::Marshalling: Write Content Error");
+    }
+    const bool hasParameters = parameters_ != nullptr;
+    if (!parcel.WriteBool(hasParameters)) {
+        return FailWrite("RemoteNotificationResult::Marshalling: Write Valid Error");
+    }
+    if (hasParameters && !parcel.WriteParcelable(parameters_.get())) {
+        return FailWrite("Write wantParams error");
+    }
+    return true;
+}
+
+bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
+{
+    sptr<RemoteNotificationContent> content = parcel.ReadStrongParcelable<RemoteNotificationContent>();
+    if (content == nullptr) {
+        return FailRead("RemoteNotificationResult::ReadFromParcel: Read Content Error");
+    }
+    content_ = *content;
+    bool hasParameters = false;
+    if (!parcel.ReadBool(hasParameters)) {
+        return FailRead("RemoteNotificationResult::ReadFromParcel: Read Valid from Parcel Error");
+    }
+    if (!hasParameters) {
+        return true;
+    }
+    sptr<AAFwk::WantParams> parameters = parcel.ReadStrongParcelable<AAFwk::WantParams>();
+    if (parameters == nullptr) {
+        return FailRead("Read wantParams error");
+    }
+    parameters_ = internal::SharedCopy(*parameters);
+    if (parameters_ == nullptr) {
+        return FailRead("New wantParams error");
+    }
+    return true;
+}
+
+sptr<RemoteNotificationResult> RemoteNotificationResult::Unmarshalling(Parcel& parcel)
+{
+    auto* result = new (std::nothrow) RemoteNotificationResult();
+    if (result == nullptr) {
+        return nullptr;
+    }
+    if (!result->ReadFromParcel(parcel)) {
+        internal::LogAndReport("New remoteNotificationResult error");
+        delete result;
+        return nullptr;
+    }
+    return sptr<RemoteNotificationResult>(result);
+}
+
+bool RemoteNotificationResult::operator==(const RemoteNotificationResult& other) const
+{
+    return content_ == other.content_ && internal::OptionalEqual(parameters_, other.parameters_);
+}
+
+}  // namespace Kavo::Push

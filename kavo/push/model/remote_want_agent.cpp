@@ -1,0 +1,61 @@
+#include "kavo/push/model/remote_want_agent.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+
+namespace Kavo::Push {
+
+using internal::FailRead;
+using internal::FailWrite;
+
+bool RemoteWantAgent::Marshalling(Parcel& parcel) const
+{
+    if (!parcel.WriteString(abilityName_)) {
+        return FailWrite("RemoteWantAgent::Marshallin: Write AbilityName Error");
+    }
+    const bool hasParameters = !parameters_.empty();
+    if (!parcel.WriteBool(hasParameters)) {
+        return FailWrite("RemoteWantAgent::Marshallin: Write Valid Error");
+    }
+    if (hasParameters && !parcel.WriteString(parameters_)) {
+        return FailWrite("Write parameters error");
+    }
+    return true;
+}
+
+bool RemoteWantAgent::ReadFromParcel(Parcel& parcel)
+{
+    if (!parcel.ReadString(abilityName_)) {
+        return FailRead("RemoteWantAgent::ReadFromParcel: Read AbilityName Error");
+    }
+    bool hasParameters = false;
+    if (!parcel.ReadBool(hasParameters)) {
+        return FailRead("RemoteWantAgent::ReadFromParcel: Read Valid Error");
+    }
+    if (hasParameters && !parcel.ReadString(parameters_)) {
+        return FailRead("RemoteWantAgent::ReadFromParcel: Read Parameters Error");
+    }
+    return true;
+}
+
+sptr<RemoteWantAgent> RemoteWantAgent::Unmarshalling(Parcel& parcel)
+{
+    auto* agent = new (std::nothrow) RemoteWantAgent();
+    if (agent == nullptr) {
+        return nullptr;
+    }
+    if (!agent->ReadFromParcel(parcel)) {
+        internal::LogAndReport("New remoteWantAgent error");
+        delete agent;
+        return nullptr;
+    }
+    return sptr<RemoteWantAgent>(agent);
+}
+
+bool RemoteWantAgent::operator==(const RemoteWantAgent& other) const
+{
+    return abilityName_ == other.abilityName_ && parameters_ == other.parameters_;
+}
+
+}  // namespace Kavo::Push

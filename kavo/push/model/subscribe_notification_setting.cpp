@@ -1,0 +1,82 @@
+#include "kavo/push/model/subscribe_notification_setting.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
+
+namespace Kavo::Push {
+
+using internal::FailNull;
+using internal::FailRead;
+using internal::FailWrite;
+
+bool SubscribeNotificationSetting::Marshalling(Parcel& parcel) const
+{
+    const bool hasEnabled = enabled_ != nullptr;
+    if (!parcel.WriteUint64(hasEnabled ? ENABLED_FLAG : 0)) {
+        return FailWrite("SubscribeNotificationSetting::Marshalling: Write Flags Error");
+    }
+    if (!parcel.WriteString(bundleName_)) {
+        return FailWrite("SubscribeNotificationSetting::Marshalling: Write BundleName Error");
+    }
+    if (hasEnabled && !parcel.WriteBool(*enabled_)) {
+        return FailWrite("SubscribeNotificationSetting::Marshalling: Write Enabled Error");
+    }
+    return true;
+}
+
+bool SubscribeNotificationSetting::ReadFromParcel(Parcel& parcel)
+{
+    // Bits 1 to 63 belong to no part and are ignored.
+    const uint64_t flags = parcel.ReadUint64();
+    if (!parcel.ReadString(bundleName_)) {
+        return FailRead("SubscribeNotificationSetting: Read BundleName Error");
+    }
+    if ((flags & ENABLED_FLAG) != 0) {
+        enabled_ = std::make_shared<bool>(parcel.ReadBool());
+    }
+    return true;
+}
+
+sptr<SubscribeNotificationSetting> SubscribeNotificationSetting::Unmarshalling(Parcel& parcel)
+{
+    auto* setting = new (std::nothrow) SubscribeNotificationSetting();
+    if (setting == nullptr) {
+        return nullptr;
+    }
+    if (!setting->ReadFromParcel(parcel)) {
+        internal::LogAndReport("New SubscribeNotificationSetting error");
+        delete setting;
+        return nullptr;
+    }
+    return sptr<SubscribeNotificationSetting>(setting);
+}
+
+bool SubscribeNotificationSetting::operator==(const SubscribeNotificationSetting& other) const
+{
+    return bundleName_ == other.bundleName_ && internal::OptionalEqual(enabled_, other.enabled_);
+}
+
+bool SubscribeNotificationBasicSetting::Marshalling(Parcel& parcel) const
+{
+    if (!parcel.WriteBool(enabled_)) {
+        return FailWrite("SubscribeNotificationBasicSetting: Marshal Failed");
+    }
+    return true;
+}
+
+sptr<SubscribeNotificationBasicSetting> SubscribeNotificationBasicSetting::Unmarshalling(Parcel& parcel)
+{
+    auto* setting = new (std::nothrow) SubscribeNotificationBasicSetting();
+    if (setting == nullptr) {
+        return FailNull("New SubscribeNotificationBasicSetting error");
+    }
+    if (!parcel.ReadBool(setting->enabled_)) {
+        delete setting;
+        return FailNull("SubscribeNotificationBasicSetting unmarshalling error");
+    }
+    return sptr<SubscribeNotificationBasicSetting>(setting);
+}
+
+}  // namespace Kavo::Push

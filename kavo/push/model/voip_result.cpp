@@ -1,0 +1,66 @@
+#include "kavo/push/model/voip_result.h"
+
+#include <new>
+
+#include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
+
+namespace Kavo::Push {
+
+using internal::FailRead;
+using internal::FailWrite;
+
+VoIPResult::VoIPResult(const std::shared_ptr<AAFwk::WantParams>& parameters) : parameters_(parameters) {}
+
+bool VoIPResult::Marshalling(Parcel& parcel) const
+{
+    const bool hasParameters = parameters_ != nullptr;
+    if (!parcel.WriteBool(hasParameters)) {
+        return FailWrite("VoIPResult::Marshalling: Write Valid Error");
+    }
+    if (hasParameters && !parcel.WriteParcelable(parameters_.get())) {
+        return FailWrite("Write wantParams error");
+    }
+    return true;
+}
+
+bool VoIPResult::ReadFromParcel(Parcel& parcel)
+{
+    bool hasParameters = false;
+    if (!parcel.ReadBool(hasParameters)) {
+        return FailRead("Read Valid is False");
+    }
+    if (!hasParameters) {
+        return true;
+    }
+    sptr<AAFwk::WantParams> parameters = parcel.ReadStrongParcelable<AAFwk::WantParams>();
+    if (parameters == nullptr) {
+        return FailRead("Read wantParams error");
+    }
+    parameters_ = internal::SharedCopy(*parameters);
+    if (parameters_ == nullptr) {
+        return FailRead("New wantParams error");
+    }
+    return true;
+}
+
+sptr<VoIPResult> VoIPResult::Unmarshalling(Parcel& parcel)
+{
+    auto* result = new (std::nothrow) VoIPResult();
+    if (result == nullptr) {
+        return nullptr;
+    }
+    if (!result->ReadFromParcel(parcel)) {
+        internal::LogAndReport("New voipResult error");
+        delete result;
+        return nullptr;
+    }
+    return sptr<VoIPResult>(result);
+}
+
+bool VoIPResult::operator==(const VoIPResult& other) const
+{
+    return internal::OptionalEqual(parameters_, other.parameters_);
+}
+
+}  // namespace Kavo::Push
