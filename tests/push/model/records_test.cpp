@@ -1,18 +1,10 @@
 // Every record against its wire layout: written byte for byte, read back equal, every cut of
 // its parcel read with the record's lines, every too-small parcel refused with the record's lines.
 #include <cstdint>
-#include <limits>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "kavo/push/model/push_extension_info.h"
-#include "kavo/push/model/remote_location_request.h"
-#include "kavo/push/model/remote_notification_request.h"
-#include "kavo/push/model/remote_notification_result.h"
-#include "kavo/push/model/report_voip_call_params.h"
-#include "kavo/push/model/voip_request.h"
-#include "kavo/push/model/voip_result.h"
 #include "tests/push/model/model_test_util.h"
 
 namespace {
@@ -58,59 +50,23 @@ const char* const W_VOIP = "VoIPInfo::Marshalling: Write type_ Error";
 const char* const VOIP_RESULT_ERR = "New voipResult error";
 const char* const ENTITY_ERR = "New EntitySetting error";
 
-// Offsets: flags 0-8, title 8-16, text 16-24, icon 24-48, badges 48-64, agent 64-88, points 88-140.
-Bytes FullContentWire()
-{
-    return Wire()
-        .U64(0x7F)
-        .Str("T")
-        .Str("xy")
-        .I32(1)
-        .I32(1)
-        .I32(1)
-        .I32(6)
-        .I32(1)
-        .Raw({0xAB})
-        .I64(5)
-        .I64(-1)
-        .I32(1)
-        .Str("ab")
-        .I32(true)
-        .Str("p=1")
-        .I32(1)
-        .I64(1)
-        .I64(2)
-        .I64(3)
-        .I64(4)
-        .I64(5)
-        .I64(6);
-}
-
-SubscribeNotificationBasicSetting BasicOf(bool enabled)
-{
-    SubscribeNotificationBasicSetting setting;
-    setting.SetEnabled(enabled);
-    return setting;
-}
-
 std::vector<Row> Rows()
 {
-    const int64_t min = std::numeric_limits<int64_t>::min();
-    const int64_t max = std::numeric_limits<int64_t>::max();
+    const Bytes points = Wire().I32(1).I64(1).I64(2).I64(3).I64(4).I64(5).I64(6);
+    const Bytes agent = Wire().I32(1).Str("ab").I32(true).Str("p=1");
+    const Bytes icon = Wire().I32(1).I32(1).I32(1).I32(6).I32(1).Raw({0xAB});  // 1x1, format 6, one byte
     const PushExtensionInfo extension(60, true, PushPayload("type", "data"));
     const Bytes extensionWire = Wire().I32(true).I32(60).I32(1).Str("type").Str("data");
     const RemoteNotificationInfo info("a", "b", 7);
     const VoIPInfo voip("t", "d", "c1");
     const Bytes voipWire = Wire().Str("t").Str("d").Str("c1");
-    RemoteNotificationContent titleOnly;
-    titleOnly.SetTitle(std::make_shared<std::string>("T"));
+    SubscribeNotificationBasicSetting basic;
+    basic.SetEnabled(true);
     const Bytes entityHead = Wire().Str("e1").Str("n");
     // A value-form read that comes up short does not move, so in a cut content the next part is
     // read from the bytes of the one before: an agent's presence word may land on a badge number.
     const Texts agentLost = {READ_AGENT, CONTENT_ERR};
     const Texts agentNameLost = {AGENT_NAME, AGENT_ERR, READ_AGENT, CONTENT_ERR};
-    const Texts resultValidLost = {RESULT_VALID, RESULT_ERR};
-    const Texts resultParamsLost = {READ_PARAMS, RESULT_ERR};
     return {
         RowOf("payload: type, data", PushPayload("type", "data"), Wire().Str("type").Str("data"), {{24, {PAYLOAD_ERR}}},
               {{24, {}}}),
@@ -120,15 +76,16 @@ std::vector<Row> Rows()
               RemoteLocationRequest(60, true, PushPayload("type", "data")), extensionWire,
               {{12, {READ_PAYLOAD, EXT_ERR, EXT_ERR}}, {36, {PAYLOAD_ERR, READ_PAYLOAD, EXT_ERR, EXT_ERR}}},
               {{36, {}}}),
-        RowOf("time points: six plain 64-bit words, logging nothing of their own when written",
-              *Points(min, max, min, max, -1, 0), Wire().I64(min).I64(max).I64(min).I64(max).I64(-1).I64(0),
-              {{48, {POINTS_ERR}}}, {{48, {}}}),
+        RowOf("time points: six 64-bit words, logging nothing of their own when written",
+              *ContentOf(0x40).GetMsgTimePoints(), Bytes(points.begin() + 4, points.end()), {{48, {POINTS_ERR}}},
+              {{48, {}}}),
         RowOf("want agent: name, true, parameters", *Agent("ab", "p=1"), Wire().Str("ab").I32(true).Str("p=1"),
               {{8, {AGENT_NAME, AGENT_ERR}}, {12, {AGENT_VALID, AGENT_ERR}}, {20, {AGENT_PARAMS, AGENT_ERR}}},
               {{8, {W_AGENT_NAME}}, {12, {W_AGENT_VALID}}, {20, {W_AGENT_PARAMS}}}),
         RowOf("want agent without parameters: name, false", *Agent("Main", ""), Wire().Str("Main").I32(false)),
-        RowOf("content without parts: one zero flags word", RemoteNotificationContent(), Wire().U64(0)),
-        RowOf("content with every part: flags 0x7F, then the parts in bit order", ContentOf(0x7F), FullContentWire(),
+        // Offsets: flags 0-8, title 8-16, text 16-24, icon 24-48, badges 48-64, agent 64-88, points 88-140.
+        RowOf("content with every part: flags 0x7F, then the parts in bit order", ContentOf(0x7F),
+              Wire().U64(0x7F).Str("T").Str("xy").Raw(icon).I64(5).I64(-1).Raw(agent).Raw(points),
               {{8, {}, true},
                {48, {"overlayIcon_ is Null", CONTENT_ERR}},
                {52, agentLost},
@@ -175,22 +132,19 @@ std::vector<Row> Rows()
                {40, {W_INFO_ID, W_INFO}}}),
         RowOf("result without parameters: its content, then false", RemoteNotificationResult(),
               Wire().I32(1).U64(0).I32(false)),
-        // The content reads its flags and title leniently: the result's flag after a short one is
-        // read from the content's own bytes.
-        RowOf("result: the content, true, then the parameters", RemoteNotificationResult(titleOnly, Params()),
-              Wire().I32(1).U64(1).Str("T").I32(true).Raw(ParamsWire()),
+        // The content reads its flags leniently: a result cut inside them reads its own flag from
+        // the flags' first half, which says no parameters follow.
+        RowOf("result: the content, true, then the parameters", RemoteNotificationResult(ContentOf(0), Params()),
+              Wire().I32(1).U64(0).I32(true).Raw(ParamsWire()),
               {{4, {"RemoteNotificationResult::ReadFromParcel: Read Content Error", RESULT_ERR}},
-               {8, resultValidLost},
-               {12, resultParamsLost},
-               {16, resultValidLost},
-               {20, resultParamsLost},
-               {24, resultValidLost},
-               {48, resultParamsLost}},
+               {8, {RESULT_VALID, RESULT_ERR}},
+               {12, {}, true},
+               {16, {RESULT_VALID, RESULT_ERR}},
+               {40, {READ_PARAMS, RESULT_ERR}}},
               {{4, {W_CONTENT}},
                {12, {"RemoteNotificationContent::Marshalling: Write Flags Error", W_CONTENT}},
-               {20, {"RemoteNotificationContent::Marshalling: Write Title Error", W_CONTENT}},
-               {24, {"RemoteNotificationResult::Marshalling: Write Valid Error"}},
-               {48, {"Write wantParams error"}}}),
+               {16, {"RemoteNotificationResult::Marshalling: Write Valid Error"}},
+               {40, {"Write wantParams error"}}}),
         RowOf("VoIP info: type, data, call id, one text whichever write fails", voip, voipWire,
               {{8, {VOIP_TYPE}}, {16, {VOIP_DATA}}, {24, {VOIP_CALL_ID}}}, {{24, {W_VOIP}}}),
         RowOf("VoIP request: survival time, then the info, nothing of its own written", VoIPRequest(45, voip),
@@ -232,7 +186,7 @@ std::vector<Row> Rows()
               {{8, {"SubscribeNotificationSetting::Marshalling: Write Flags Error"}},
                {20, {"SubscribeNotificationSetting::Marshalling: Write BundleName Error"}},
                {24, {"SubscribeNotificationSetting::Marshalling: Write Enabled Error"}}}),
-        RowOf("basic setting: one boolean", BasicOf(true), Wire().I32(true),
+        RowOf("basic setting: one boolean", basic, Wire().I32(true),
               {{4, {"SubscribeNotificationBasicSetting unmarshalling error"}}},
               {{4, {"SubscribeNotificationBasicSetting: Marshal Failed"}}}),
     };
