@@ -1,6 +1,6 @@
-// Shared helpers of the record suites: an encoder of the parcel wire format for expected bytes,
-// a watcher of log lines and analytics reports, and one driver that checks a record's layout,
-// every cut of its parcel and every failed write against a table row.
+// Shared helpers of the record suites: a wire-format encoder for expected bytes, sample records,
+// a watcher of log lines and reports, and one driver checking a record's layout, every cut of
+// its parcel and every failed write against a table row. Single-threaded, like the tests.
 #ifndef KAVO_TESTS_PUSH_MODEL_MODEL_TEST_UTIL_H
 #define KAVO_TESTS_PUSH_MODEL_MODEL_TEST_UTIL_H
 

@@ -53,7 +53,7 @@ TEST_F(RecordReadTest, EveryCombinationOfOptionalPartsRoundTripsWithoutTheConten
         RemoteNotificationContent content = ContentOf(mask & 0x7F);
         std::bitset<RemoteNotificationContent::CONTENT_BIT_COUNT> flags(~mask);
         content.SetContentStateInfo(flags);
-        EXPECT_EQ(flags.to_ulong(), mask & 0x7F) << "stale bits stay, mask " << mask;
+        EXPECT_EQ(flags.to_ulong(), mask & 0x7F) << "state bits of mask " << mask;
         content.SetContentSize(1234);
         const RemoteNotificationResult result(content, (mask & 0x80) ? Params() : nullptr);
         const Bytes bytes = Marshal(result);
@@ -158,7 +158,9 @@ Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> me
     return object;
 }
 
-TEST_F(RecordReadTest, EntityJsonFormSetsItsKeysAndKeepsTheRest)
+class EntityJsonTest : public ::testing::Test {};
+
+TEST_F(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
 {
     struct Case {
         const char* name;

@@ -1,7 +1,7 @@
 // Every record against its wire layout: written byte for byte, read back equal, every cut of
 // its parcel read with the record's lines, every too-small parcel refused with the record's lines.
-#include <cstdint>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
