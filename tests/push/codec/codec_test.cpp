@@ -141,10 +141,9 @@ TEST(Base64Test, KnownAnswersRoundTripOnOneLine)
 // whole four-character groups of one line, as OpenSSL's no-newline mode does.
 TEST(Base64Test, FailuresAreLoggedAndReported)
 {
-    const unsigned char byte = 'a';
     auto decode = [](std::string text) { return [text] { return PushBase64Convert::Base64Decode(text); }; };
-    auto encode = [](const unsigned char* data, unsigned int size) {
-        return [data, size] { return PushBase64Convert::Base64Encode(data, size); };
+    auto encode = [](const char* data, unsigned int size) {
+        return [=] { return PushBase64Convert::Base64Encode(reinterpret_cast<const unsigned char*>(data), size); };
     };
     struct Case {
         const char* behaviour;
@@ -153,7 +152,7 @@ TEST(Base64Test, FailuresAreLoggedAndReported)
     };
     const Case cases[] = {
         {"encoding a null pointer", encode(nullptr, 3), "", "Base64Encode error: invalid input param"},
-        {"encoding zero bytes", encode(&byte, 0), "", "Base64Encode error: invalid input param"},
+        {"encoding zero bytes", encode("a", 0), "", "Base64Encode error: invalid input param"},
         {"decoding empty text", decode(""), "", "Base64Decode error: invalid input param"},
         {"a line break inside a group", decode("YW\nJj"), "", "Base64Decode error: bio read fail"},
         {"a line break after the last group is ignored", decode("YWJj\n"), "abc", ""},
@@ -327,7 +326,8 @@ TEST(DcmServiceTest, ChainIsAppendedAsPemAndShapedByTheManager)
         }
         EXPECT_TRUE(c.count != 4 || pems[4] == BEGIN + PushBase64Convert::Base64Encode(std::string(8192, '\0')) + END);
         if (c.appended >= 3 && c.emptySlot < 0) {
-            auto leaf = KavoTest::ParsePem(pems[1]), mid = KavoTest::ParsePem(pems[2]), root = KavoTest::ParsePem(pems[3]);
+            auto leaf = KavoTest::ParsePem(pems[1]), mid = KavoTest::ParsePem(pems[2]);
+            auto root = KavoTest::ParsePem(pems[3]);
             ASSERT_TRUE(leaf && mid && root);
             EXPECT_EQ(KavoTest::VerifyChain(leaf.get(), mid.get(), root.get()), X509_V_OK);
             EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), c.challenge);
