@@ -3,10 +3,7 @@
 #ifndef KAVO_TESTS_HOST_DCM_DCM_TEST_UTIL_H
 #define KAVO_TESTS_HOST_DCM_DCM_TEST_UTIL_H
 
-#include <openssl/bio.h>
-#include <openssl/objects.h>
 #include <openssl/pem.h>
-#include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
 
 #include <memory>
@@ -22,6 +19,7 @@ struct X509Free {
 };
 using X509Ptr = std::unique_ptr<X509, X509Free>;
 
+// Null unless the bytes hold exactly one certificate.
 inline X509Ptr ParseDer(const uint8_t* data, size_t size)
 {
     const unsigned char* cursor = data;
@@ -35,39 +33,36 @@ inline X509Ptr ParsePem(const std::string& pem)
     return X509Ptr(PEM_read_bio_X509(bio.get(), nullptr, nullptr, nullptr));
 }
 
-// Trusts `root` alone and verifies `leaf` through `intermediate`; returns the verify error
-// (X509_V_OK when the chain holds).
+// Trusts `root` alone and verifies `leaf` through `intermediate`: X509_V_OK or the verify error.
 inline int VerifyChain(X509* leaf, X509* intermediate, X509* root)
 {
     std::unique_ptr<X509_STORE, decltype(&X509_STORE_free)> store(X509_STORE_new(), X509_STORE_free);
-    std::unique_ptr<STACK_OF(X509), void (*)(STACK_OF(X509)*)>
-        untrusted(sk_X509_new_null(), [](STACK_OF(X509)* s) { sk_X509_free(s); });
     std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> ctx(X509_STORE_CTX_new(), X509_STORE_CTX_free);
+    STACK_OF(X509)* untrusted = sk_X509_new_null();
     X509_STORE_add_cert(store.get(), root);
-    sk_X509_push(untrusted.get(), intermediate);
-    X509_STORE_CTX_init(ctx.get(), store.get(), leaf, untrusted.get());
+    sk_X509_push(untrusted, intermediate);
+    X509_STORE_CTX_init(ctx.get(), store.get(), leaf, untrusted);
     X509_STORE_CTX_set_flags(ctx.get(), X509_V_FLAG_X509_STRICT);
-    return X509_verify_cert(ctx.get()) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(ctx.get());
+    int result = X509_verify_cert(ctx.get()) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(ctx.get());
+    sk_X509_free(untrusted);
+    return result;
 }
 
-// The bytes of the challenge extension, or nothing when the certificate has none.
+// The bytes of the challenge extension (an OCTET STRING inside), or nothing when there is none.
 inline std::optional<std::string> ChallengeOf(X509* cert)
 {
-    std::unique_ptr<ASN1_OBJECT, decltype(&ASN1_OBJECT_free)> oid(OBJ_txt2obj(DCM_CHALLENGE_EXTENSION_OID, 1),
-                                                                  ASN1_OBJECT_free);
-    int index = X509_get_ext_by_OBJ(cert, oid.get(), -1);
-    if (index < 0) {
-        return std::nullopt;
+    ASN1_OBJECT* oid = OBJ_txt2obj(DCM_CHALLENGE_EXTENSION_OID, 1);
+    X509_EXTENSION* extension = X509_get_ext(cert, X509_get_ext_by_OBJ(cert, oid, -1));
+    ASN1_OBJECT_free(oid);
+    ASN1_OCTET_STRING* value = extension ? X509_EXTENSION_get_data(extension) : nullptr;
+    const unsigned char* cursor = value ? ASN1_STRING_get0_data(value) : nullptr;
+    ASN1_OCTET_STRING* inner = value ? d2i_ASN1_OCTET_STRING(nullptr, &cursor, ASN1_STRING_length(value)) : nullptr;
+    std::optional<std::string> challenge;
+    if (inner != nullptr) {
+        challenge.emplace(reinterpret_cast<const char*>(ASN1_STRING_get0_data(inner)), ASN1_STRING_length(inner));
+        ASN1_OCTET_STRING_free(inner);
     }
-    ASN1_OCTET_STRING* value = X509_EXTENSION_get_data(X509_get_ext(cert, index));
-    const unsigned char* cursor = ASN1_STRING_get0_data(value);
-    std::unique_ptr<ASN1_OCTET_STRING, decltype(&ASN1_OCTET_STRING_free)> inner(
-        d2i_ASN1_OCTET_STRING(nullptr, &cursor, ASN1_STRING_length(value)), ASN1_OCTET_STRING_free);
-    if (inner == nullptr) {
-        return std::nullopt;
-    }
-    return std::string(reinterpret_cast<const char*>(ASN1_STRING_get0_data(inner.get())),
-                       static_cast<size_t>(ASN1_STRING_length(inner.get())));
+    return challenge;
 }
 
 }  // namespace KavoTest

@@ -4,6 +4,8 @@
 
 #include <climits>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "kavo/host/log/log.h"
 #include "kavo/push/validate/extension_service.h"
@@ -12,135 +14,84 @@
 namespace {
 
 using namespace Kavo::Push;
+using Kavo::Media::PixelMap;
+using Texts = std::vector<std::string>;
+using Validate = RemoteNotificationExtensionValidate;
 
-RemoteNotificationRequest MakeRequest(int survival, int iconKib, int contentKib)
+void ExpectResult(const PushBaseRsp& rsp, const Kavo::LogCapture& log, int err, int inner, const std::string& desc,
+                  const Texts& logs)
 {
-    return RemoteNotificationRequest(survival, iconKib, contentKib, RemoteNotificationInfo());
+    EXPECT_EQ(rsp.GetErrAsInt32(), err);
+    EXPECT_EQ(rsp.GetInnerErr(), inner);
+    EXPECT_EQ(rsp.GetErrDescription(), desc);
+    EXPECT_EQ(log.Texts(), logs);
+    EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines().back().level, Kavo::LOG_ERROR);
 }
 
-struct Expect {
-    int err;
-    int inner;
-    std::string desc;
-    std::vector<std::string> logs;
-};
-
-void ExpectResult(const PushBaseRsp& rsp, const Kavo::LogCapture& capture, const Expect& want, const char* name)
-{
-    EXPECT_EQ(rsp.GetErrAsInt32(), want.err) << name;
-    EXPECT_EQ(rsp.GetInnerErr(), want.inner) << name;
-    EXPECT_EQ(rsp.GetErrDescription(), want.desc) << name;
-    EXPECT_EQ(capture.Texts(), want.logs) << name;
-    for (const auto& line : capture.Lines()) {
-        EXPECT_EQ(line.level, Kavo::LOG_ERROR) << name;
-    }
-}
-
-TEST(SurvivalTimeRule, BoundsAreInclusive)
-{
-    struct Case {
-        int value;
-        bool valid;
-    };
-    const Case cases[] = {{1, true}, {21600, true}, {0, false}, {-1, false}, {21601, false}, {INT_MIN, false}};
-    for (const auto& c : cases) {
-        Kavo::LogCapture capture;
-        PushBaseRsp rsp = PushExtensionValidate::ValidateSurvivalTime(c.value);
-        std::string text = "survival time is invalid: " + std::to_string(c.value);
-        Expect want = c.valid ? Expect{0, INT_MIN, "", {}} : Expect{401, INT_MIN, text, {text}};
-        ExpectResult(rsp, capture, want, std::to_string(c.value).c_str());
-    }
-    PushExtensionInfo info(0, false, PushPayload());
-    EXPECT_EQ(PushExtensionValidate::ValidatePushExtensionInfo(info).GetErrAsInt32(), 401);
-}
-
-TEST(RequestRules, FirstFailureWinsInOrder)
+// Survival time, then the overlay-icon limit, then the content limit: the first failure is
+// returned, its text also the first line logged.
+TEST(RequestRules, BoundsAreInclusiveAndTheFirstFailureWins)
 {
     struct Case {
         const char* name;
         int survival, icon, content;
-        Expect want;
+        Texts logs;  // empty: valid
     };
     const Case cases[] = {
-        {"all bounds at their upper edge", 21600, 250, 250, {0, INT_MIN, "", {}}},
-        {"all bounds at their lower edge", 1, 1, 1, {0, INT_MIN, "", {}}},
-        {"everything invalid reports only the survival time", 0, 0, 0,
-         {401, INT_MIN, "survival time is invalid: 0", {"survival time is invalid: 0", "Validate Survival Time Fail"}}},
-        {"icon limit 251", 30, 251, 10,
-         {401, INT_MIN, "Overlay icon size is invalid: 251", {"Overlay icon size is invalid: 251"}}},
-        {"icon limit 0", 30, 0, 10, {401, INT_MIN, "Overlay icon size is invalid: 0", {"Overlay icon size is invalid: 0"}}},
-        {"content limit negative", 30, 250, -4,
-         {401, INT_MIN, "Content size is invalid: -4", {"Content size is invalid: -4"}}},
-        {"content limit 251", 30, 250, 251,
-         {401, INT_MIN, "Content size is invalid: 251", {"Content size is invalid: 251"}}},
+        {"every upper bound", 21600, 250, 250, {}},
+        {"every lower bound", 1, 1, 1, {}},
+        {"all invalid", 0, 0, 0, {"survival time is invalid: 0", "Validate Survival Time Fail"}},
+        {"negative survival", -1, 1, 1, {"survival time is invalid: -1", "Validate Survival Time Fail"}},
+        {"survival past 21600", 21601, 1, 1, {"survival time is invalid: 21601", "Validate Survival Time Fail"}},
+        {"icon past 250", 30, 251, 0, {"Overlay icon size is invalid: 251"}},
+        {"icon 0", 30, 0, 1, {"Overlay icon size is invalid: 0"}},
+        {"negative icon", 30, -3, 1, {"Overlay icon size is invalid: -3"}},
+        {"content past 250", 30, 250, 251, {"Content size is invalid: 251"}},
+        {"content 0", 30, 250, 0, {"Content size is invalid: 0"}},
+        {"negative content", 30, 250, INT_MIN, {"Content size is invalid: -2147483648"}},
     };
-    for (const auto& c : cases) {
-        Kavo::LogCapture capture;
-        PushBaseRsp rsp = RemoteNotificationExtensionValidate::ValidateRemoteNotificationRequest(
-            MakeRequest(c.survival, c.icon, c.content));
-        ExpectResult(rsp, capture, c.want, c.name);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Kavo::LogCapture log;
+        PushBaseRsp rsp = Validate::ValidateRemoteNotificationRequest(
+            RemoteNotificationRequest(c.survival, c.icon, c.content, RemoteNotificationInfo()));
+        ExpectResult(rsp, log, c.logs.empty() ? 0 : 401, INT_MIN, c.logs.empty() ? "" : c.logs[0], c.logs);
     }
+    PushBaseRsp rsp = PushExtensionValidate::ValidatePushExtensionInfo(PushExtensionInfo(0, false, PushPayload()));
+    EXPECT_EQ(rsp.GetErrDescription(), "survival time is invalid: 0");
 }
 
-TEST(ContentRules, SizeIsComparedWithTheLimitInBytes)
+// Limits are KiB, turned into bytes in 32 bits; an oversized icon is taken out of the content.
+TEST(ContentRules, SizesAreComparedWithTheLimitsInBytes)
 {
     struct Case {
         const char* name;
-        int limitKib;
-        long size;
-        Expect want;
+        bool icon;                   // checks an overlay icon of `bytes` bytes (none when 0), not the content size
+        int limitKib, bytes, inner;  // inner 0: valid
+        std::string desc;
     };
-    const std::string over = "Content size is 307200 over 204800";
-    const std::string wrapped = "Content size is 1 over -2147483648";
     const Case cases[] = {
-        {"exactly the limit", 200, 204800, {0, INT_MIN, "", {}}},
-        {"one byte over", 200, 204801,
-         {1000900027, 100000036, "Content size is 204801 over 204800",
-          {"remote notification content is invalid: Content size is 204801 over 204800"}}},
-        {"the documented example", 200, 307200,
-         {1000900027, 100000036, over, {"remote notification content is invalid: " + over}}},
-        {"the limit wraps in 32 bits", 2097152, 1,
-         {1000900027, 100000036, wrapped, {"remote notification content is invalid: " + wrapped}}},
-        {"zero limit lets an empty content through", 0, 0, {0, INT_MIN, "", {}}},
+        {"content of exactly the limit", false, 200, 204800, 0, ""},
+        {"content one byte over", false, 200, 204801, 100000036, "Content size is 204801 over 204800"},
+        {"the content limit wraps in 32 bits", false, 2097152, 1, 100000036, "Content size is 1 over -2147483648"},
+        {"no icon passes even a zero limit", true, 0, 0, 0, ""},
+        {"an icon of exactly the limit", true, 1, 1024, 0, ""},
+        {"an icon one pixel over", true, 1, 1028, 100000035, "Overlay icon size is 1028 over 1024"},
+        {"the icon limit wraps in 32 bits", true, 2097152, 4, 100000035, "Overlay icon size is 4 over -2147483648"},
     };
-    for (const auto& c : cases) {
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        RemoteNotificationRequest request(30, c.limitKib, c.limitKib, RemoteNotificationInfo());
+        auto icon = c.bytes ? std::make_shared<PixelMap>(c.bytes / 4, 1, Kavo::Media::PixelFormat::RGBA_8888) : nullptr;
         RemoteNotificationContent content;
-        content.SetContentSize(c.size);
-        Kavo::LogCapture capture;
-        PushBaseRsp rsp = RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(
-            MakeRequest(30, 10, c.limitKib), content);
-        ExpectResult(rsp, capture, c.want, c.name);
-    }
-}
-
-TEST(OverlayIconRules, AnOversizedIconIsRemovedFromTheContent)
-{
-    using Kavo::Media::PixelFormat;
-    using Kavo::Media::PixelMap;
-    struct Case {
-        const char* name;
-        int limitKib;
-        std::shared_ptr<PixelMap> icon;
-        bool kept;
-        Expect want;
-    };
-    auto exact = std::make_shared<PixelMap>(16, 16, PixelFormat::RGBA_8888);  // 1024 bytes
-    auto bigger = std::make_shared<PixelMap>(257, 1, PixelFormat::RGBA_8888);  // 1028 bytes
-    const std::string over = "Overlay icon size is 1028 over 1024";
-    const Case cases[] = {
-        {"no icon passes even a zero limit", 0, nullptr, true, {0, INT_MIN, "", {}}},
-        {"icon of exactly the limit", 1, exact, true, {0, INT_MIN, "", {}}},
-        {"icon over the limit", 1, bigger, false,
-         {1000900027, 100000035, over, {"remote notification content is invalid: " + over}}},
-    };
-    for (const auto& c : cases) {
-        RemoteNotificationContent content;
-        content.SetOverlayIcon(c.icon);
-        RemoteNotificationRequest request = MakeRequest(30, c.limitKib, 10);
-        Kavo::LogCapture capture;
-        PushBaseRsp rsp = RemoteNotificationExtensionValidate::ValidateRemoteNotificationOverlayIcon(request, content);
-        ExpectResult(rsp, capture, c.want, c.name);
-        EXPECT_EQ(content.GetOverlayIcon(), c.kept ? c.icon : nullptr) << c.name;
+        content.SetContentSize(c.bytes);
+        content.SetOverlayIcon(icon);
+        Kavo::LogCapture log;
+        PushBaseRsp rsp = c.icon ? Validate::ValidateRemoteNotificationOverlayIcon(request, content)
+                                 : Validate::ValidateRemoteNotificationContent(request, content);
+        ExpectResult(rsp, log, c.inner ? 1000900027 : 0, c.inner ? c.inner : INT_MIN, c.desc,
+                     c.inner ? Texts{"remote notification content is invalid: " + c.desc} : Texts{});
+        EXPECT_EQ(content.GetOverlayIcon(), c.icon && c.inner ? nullptr : icon);
         EXPECT_EQ(request.GetOverlayIconSize(), c.limitKib) << "the request is never changed";
     }
 }
@@ -149,13 +100,11 @@ TEST(ExtensionServiceTest, CallsOnlyTheLatestCallback)
 {
     ExtensionService service;
     service.UnLoadService();  // nothing set: nothing happens
-    int first = 0;
-    int second = 0;
-    service.SetUnLoadCallback([&first] { ++first; });
-    service.SetUnLoadCallback([&second] { ++second; });
+    std::string calls;
+    service.SetUnLoadCallback([&calls] { calls += "first "; });
+    service.SetUnLoadCallback([&calls] { calls += "second "; });
     service.UnLoadService();
-    EXPECT_EQ(first, 0);
-    EXPECT_EQ(second, 1);
+    EXPECT_EQ(calls, "second ");
 }
 
 }  // namespace

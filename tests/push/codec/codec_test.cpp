@@ -1,0 +1,341 @@
+#include <openssl/evp.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <new>
+#include <regex>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "kavo/push/codec/byte_decoder.h"
+#include "kavo/push/codec/dcm_service.h"
+#include "kavo/push/codec/hex_coder_convert.h"
+#include "kavo/push/codec/push_base64_convert.h"
+#include "kavo/push/codec/push_curve25519_helper.h"
+#include "kavo/push/codec/push_encrypt_helper.h"
+#include "kavo/push/codec/symbol_convert.h"
+#include "kavo/push/codec/type_convertor.h"
+#include "tests/host/dcm/dcm_test_util.h"
+#include "tests/support/test_support.h"
+
+namespace {
+
+using namespace Kavo::Push;
+using Reports = std::vector<std::pair<int, std::string>>;
+using Texts = std::vector<std::string>;
+
+// Runs one decoder with `out` preset (integers to 7, runs to "previous") and shows `out` afterwards.
+using Reader = std::function<PushBaseRsp(const std::string&, size_t, std::string&)>;
+
+template <typename T>
+Reader Read(PushBaseRsp (*decode)(T&, const std::string&, const size_t&))
+{
+    return [decode](const std::string& data, size_t offset, std::string& shown) {
+        T out = 7;
+        PushBaseRsp rsp = decode(out, data, offset);
+        shown = std::to_string(out);
+        return rsp;
+    };
+}
+
+Reader ReadRun(size_t length)
+{
+    return [length](const std::string& data, size_t offset, std::string& shown) {
+        shown = "previous";
+        return ByteDecoder::DecodeAsByte(shown, data, length, offset);
+    };
+}
+
+TEST(NetworkOrderTest, ReadsAreBigEndianAndLeaveOutAloneWhenOutOfRange)
+{
+    struct Case {
+        const char* behaviour;
+        Reader read;
+        std::string data;
+        size_t offset;
+        std::string shown, error;  // `out` afterwards; the failure text, empty on success
+    };
+    const Case cases[] = {
+        {"uint32 at offset 0", Read(&ByteDecoder::DecodeAsUint32), "\x01\x02\x03\x04", 0, "16909060", ""},
+        {"int16 of ff fe", Read(&ByteDecoder::DecodeAsInt16), "\xff\xfe", 0, "-2", ""},
+        {"uint64 unaligned", Read(&ByteDecoder::DecodeAsUint64), "a\x01\x02\x03\x04\x05\x06\x07\x08", 1,
+         "72623859790382856", ""},
+        {"int64 a byte short", Read(&ByteDecoder::DecodeAsInt64), "123456789", 2, "7",
+         "Cannot decode data(9) for out of range(2)"},
+        {"char at the last byte", Read(&ByteDecoder::DecodeAsChar), "xyz", 2, "122", ""},
+        {"the length comes before the offset", ReadRun(3), "abcde", 2, "cde", ""},
+        {"a run past the end", ReadRun(3), "abcde", 4, "previous", "Cannot decode data(5) for out of range(4)"},
+        {"an empty run past the end", ReadRun(0), "abcde", 6, "previous", "Cannot decode data(5) for out of range(6)"},
+    };
+    KavoTest::ScopedEnv showPrivate("KAVO_LOG_PRIVATE", "show");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        Kavo::LogCapture log;
+        std::string shown;
+        PushBaseRsp rsp = c.read(c.data, c.offset, shown);
+        EXPECT_EQ(shown, c.shown);
+        EXPECT_EQ(rsp.GetErr(), c.error.empty() ? PUSH_SUCCESS : PUSH_ERR_SYSTEM_INTERNAL);
+        EXPECT_EQ(rsp.GetErrDescription(), c.error);
+        EXPECT_EQ(log.Texts(), c.error.empty() ? Texts{} : Texts{c.error});
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines()[0].level, Kavo::LOG_ERROR);
+    }
+    const uint64_t net = SymbolConvert::Host2NetUint64(0x0102030405060708ULL);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&net), 8), "\x01\x02\x03\x04\x05\x06\x07\x08");
+    EXPECT_EQ(SymbolConvert::Host2NetStreamUint64(0x0102030405060708ULL), "\x01\x02\x03\x04\x05\x06\x07\x08");
+}
+
+// Decoding goes pair by pair through Hex2Byte, so its fixed answers for non-hex digits show here.
+TEST(HexTest, BytesAreUpperCaseHexAndOddTextIsPaddedFirst)
+{
+    struct Case {
+        const char* behaviour;
+        std::string hex, bytes;
+    };
+    const Case cases[] = {
+        {"odd text is read with a leading zero", "A", "\x0a"},
+        {"lower and mixed case", "0afF", "\x0a\xff"},
+        {"a non-hex high digit keeps its low four bits", "G1", "\x01"},
+        {"a non-hex low digit is added whole", "1G", "\x20"},
+        {"'z' counts as 35 on both sides", "zz", "\x53"},
+        {"a byte above 0x7f wraps in eight bits", "\xe1\x30", "\x10"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(HexCoderConvert::HexStream2Byte(c.hex), c.bytes) << c.behaviour;
+    }
+    EXPECT_EQ(HexCoderConvert::ByteStream2Hex(std::string("\0\x0a\xff", 3)), "000AFF");
+    EXPECT_EQ(SymbolConvert::Byte2Hex(0xAB), "AB");
+    EXPECT_EQ(TypeConvertor::Uint32Convert2Hex(0xAB), "ab");
+}
+
+TEST(TypeConvertorTest, TextIsReadAsFarAsItFits)
+{
+    using Values = std::tuple<int32_t, int64_t, uint8_t, bool>;  // by Int32, Int64, Uint8 and Bool
+    const std::pair<const char*, Values> cases[] = {
+        {"12abc", {12, 12, 12, true}},
+        {"true", {0, 0, 0, false}},
+        {"300", {300, 300, 44, true}},
+        {"2147483648", {INT32_MAX, 2147483648LL, 255, true}},
+    };
+    for (const auto& [text, values] : cases) {
+        Values got(TypeConvertor::StringConvert2Int32(text), TypeConvertor::StringConvert2Int64(text),
+                   TypeConvertor::StringConvert2Uint8(text), TypeConvertor::StringConvert2Bool(text));
+        EXPECT_EQ(got, values) << text;
+    }
+}
+
+TEST(Base64Test, KnownAnswersRoundTripOnOneLine)
+{
+    const char* texts[] = {"Zg==", "Zm8=", "Zm9v", "Zm9vYg==", "Zm9vYmE=", "Zm9vYmFy", "APv/"};  // RFC 4648 and +/
+    for (size_t i = 0; i < 7; ++i) {
+        const std::string bytes = i < 6 ? std::string("foobar", i + 1) : std::string("\0\xfb\xff", 3);
+        EXPECT_EQ(PushBase64Convert::Base64Encode(bytes), texts[i]);
+        EXPECT_EQ(PushBase64Convert::Base64Decode(texts[i]), bytes);
+    }
+    EXPECT_EQ(PushBase64Convert::Base64Encode(std::string(100, '\x5c')).size(), 136u) << "one line, no line breaks";
+}
+
+// A failure is an empty result, one error line and one report of the same text. Decoding takes
+// whole four-character groups of one line, as OpenSSL's no-newline mode does.
+TEST(Base64Test, FailuresAreLoggedAndReported)
+{
+    auto decode = [](std::string text) { return [text] { return PushBase64Convert::Base64Decode(text); }; };
+    auto encode = [](const char* data, unsigned int size) {
+        return [=] { return PushBase64Convert::Base64Encode(reinterpret_cast<const unsigned char*>(data), size); };
+    };
+    struct Case {
+        const char* behaviour;
+        std::function<SecureString()> convert;
+        std::string result, error;  // error: the failure text, empty on success
+    };
+    const Case cases[] = {
+        {"encoding a null pointer", encode(nullptr, 3), "", "Base64Encode error: invalid input param"},
+        {"encoding zero bytes", encode("a", 0), "", "Base64Encode error: invalid input param"},
+        {"decoding empty text", decode(""), "", "Base64Decode error: invalid input param"},
+        {"a line break inside a group", decode("YW\nJj"), "", "Base64Decode error: bio read fail"},
+        {"a line break after the last group is ignored", decode("YWJj\n"), "abc", ""},
+        {"text shorter than one group", decode("YWJ"), "", "Base64Decode error: bio read fail"},
+        {"an unfinished last group is dropped", decode("YWJjZA"), "abc", ""},
+        {"a character outside the alphabet", decode("Y!Jj"), "", "Base64Decode error: bio read fail"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        Kavo::LogCapture log;
+        KavoTest::ReportRecorder reports;
+        EXPECT_EQ(c.convert(), c.result);
+        EXPECT_EQ(log.Texts(), c.error.empty() ? Texts{} : Texts{c.error});
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines()[0].level, Kavo::LOG_ERROR);
+        EXPECT_EQ(reports.Reports(), (c.error.empty() ? Reports{} : Reports{{100002014, c.error}}));
+    }
+}
+
+TEST(Sha256Test, KnownAnswersAndRefusedEmptyData)
+{
+    struct Case {
+        std::string data, hex, base64;  // empty data is refused, the outputs kept
+    };
+    const Case cases[] = {
+        {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad",
+         "ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0="},
+        {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+         "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1",
+         "JI1qYdIGOLjlwCaTDD5gOaM85Flk/yFn9uzt1BnbBsE="},
+        {std::string(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0",
+         "zcduXJkU+5KBocfihNc+Z/GAmkiklyAOBG05zMcRLNA="},
+        {"", "kept", "kept"},
+    };
+    for (const Case& c : cases) {
+        Kavo::LogCapture log;
+        std::string hex = "kept", base64 = "kept";
+        for (const PushBaseRsp& rsp : {PushEncryptHelper::EncryptWithSha256(c.data, hex),
+                                       PushEncryptHelper::EncryptWithSha256Base64(c.data, base64)}) {
+            EXPECT_EQ(rsp.GetErr(), c.data.empty() ? PUSH_ERR_SYSTEM_INTERNAL : PUSH_SUCCESS);
+            EXPECT_EQ(rsp.GetErrDescription(), c.data.empty() ? "Parame is illeage" : "");
+        }
+        EXPECT_EQ(hex, c.hex);
+        EXPECT_EQ(base64, c.base64);
+        EXPECT_EQ(log.Texts(), (c.data.empty() ? Texts{"EncryptWithSha256: Parame is Illeage",
+                                                       "EncryptWithSha256Base6: Parame is Illeage"}
+                                               : Texts{}));
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_WARN : log.Lines().back().level, Kavo::LOG_WARN);
+    }
+}
+
+using PkeyPtr = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
+
+// Signs with the private key of the material and verifies with the exported DER.
+bool SignatureVerifies(const SecureString& material, const SecureString& der)
+{
+    const unsigned char message[] = "push token request";
+    auto* cursor = reinterpret_cast<const unsigned char*>(der.data());
+    auto* raw = reinterpret_cast<const unsigned char*>(material.data()) + 52;
+    PkeyPtr priv(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, raw, 32), EVP_PKEY_free);
+    PkeyPtr pub(d2i_PUBKEY(nullptr, &cursor, static_cast<long>(der.size())), EVP_PKEY_free);
+    std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> ctx(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    unsigned char signature[64];
+    size_t length = sizeof(signature);
+    return priv && pub && EVP_DigestSignInit(ctx.get(), nullptr, nullptr, nullptr, priv.get()) == 1 &&
+           EVP_DigestSign(ctx.get(), signature, &length, message, sizeof(message)) == 1 &&
+           EVP_DigestVerifyInit(ctx.get(), nullptr, nullptr, nullptr, pub.get()) == 1 &&
+           EVP_DigestVerify(ctx.get(), signature, length, message, sizeof(message)) == 1;
+}
+
+TEST(Curve25519Test, GeneratedKeyMaterialAgreesWithItsDer)
+{
+    SecureString material, der;
+    ASSERT_TRUE(PushCurve25519Helper::GenerateEd25519Key(material, der).Succeed());
+    ASSERT_EQ(material.size(), 84u);
+    const auto* words = reinterpret_cast<const uint32_t*>(material.data());
+    EXPECT_EQ(std::vector<uint32_t>(words, words + 5), (std::vector<uint32_t>{102, 256, 32, 32, 0}));
+    ASSERT_EQ(der.size(), 44u);
+    EXPECT_EQ(der.substr(12), material.substr(20, 32)) << "the DER ends with the raw public key";
+    EXPECT_TRUE(SignatureVerifies(material, der));
+}
+
+// Each export stops at its first failure and leaves its output untouched.
+TEST(Curve25519Test, UnusableKeysAreRefused)
+{
+    const unsigned char raw[32] = {1, 2, 3};
+    struct Case {
+        PkeyPtr key;
+        bool der;  // GetPublicKeyForDerFormat rather than BuildCurve25519KeyMaterial
+        const char* desc;
+        const char* logText;
+    };
+    const Case cases[] = {
+        {PkeyPtr(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, raw, 32), EVP_PKEY_free), false,
+         "add private key to material failed", "BuildCurve25519KeyMaterial: Add Private Key to Material Failed"},
+        {PkeyPtr(EVP_PKEY_Q_keygen(nullptr, nullptr, "ED448"), EVP_PKEY_free), false,
+         "add public key to material failed", "BuildCurve25519KeyMaterial: Add Public Key to Material Failed"},
+        {PkeyPtr(EVP_PKEY_new(), EVP_PKEY_free), true, "public der key length invalid",
+         "GetPublicKeyForDerFormat: Public Der Key Length Invalid"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.desc);
+        Kavo::LogCapture log;
+        SecureString out("untouched");
+        PushBaseRsp rsp = c.der ? PushCurve25519Helper::GetPublicKeyForDerFormat(c.key.get(), out)
+                                : PushCurve25519Helper::BuildCurve25519KeyMaterial(102, c.key.get(), out);
+        EXPECT_EQ(rsp.GetErr(), PUSH_ERR_SYSTEM_INTERNAL);
+        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
+        EXPECT_EQ(out, "untouched");
+        EXPECT_EQ(log.Texts(), Texts{c.logText});
+    }
+}
+
+// Placed in storage the test owns, so the inline buffer can be read after destruction.
+TEST(SecureStringTest, DestructorWipesTheInlineBuffer)
+{
+    for (const std::string& bytes : {std::string("k3y!"), std::string("ab\0cd\0ef", 8), std::string(15, 's')}) {
+        for (bool moveFirst : {false, true}) {
+            alignas(SecureString) char storage[sizeof(SecureString)] = {};
+            auto* string = new (storage) SecureString(bytes.data(), bytes.size());
+            const size_t at = std::string(storage, sizeof(storage)).find(bytes);
+            ASSERT_NE(at, std::string::npos) << "the case must use the short-string buffer";
+            if (moveFirst) {
+                EXPECT_EQ(SecureString(std::move(*string)), bytes);
+            }
+            string->~SecureString();
+            EXPECT_EQ(std::string(storage + at, bytes.size()), std::string(bytes.size(), '\0')) << moveFirst;
+        }
+    }
+}
+
+// Every case frees its chain; the sanitizer build checks that nothing leaks.
+TEST(DcmServiceTest, ChainIsAppendedAsPemAndShapedByTheManager)
+{
+    const std::string BEGIN = "-----BEGIN CERTIFICATE-----\n";
+    const std::string END = "\n-----END CERTIFICATE-----";
+    const std::regex pem(BEGIN + "[A-Za-z0-9+/]{65,}={0,2}" + END);  // the body on one line
+    struct Case {
+        const char* behaviour;
+        std::string challenge;
+        int32_t status, count, emptySlot;  // the manager's control settings
+        std::string desc;                  // empty: success
+        const char* log;                   // the one line logged, or empty
+        size_t appended;
+    };
+    const Case cases[] = {
+        {"a text challenge", "c0ffee", 0, -1, -1, "", "", 3},
+        {"a challenge with zero bytes", std::string("\0\x01\x02", 3), 0, -1, -1, "", "", 3},
+        {"an empty challenge", "", 0, -1, -1, "", "", 3},
+        {"a failing status carries its code", "c", -5, -1, -1, "Failed to get certChain:ret -5",
+         "GetCertChain: Failed to Get CertChain:ret -5", 0},
+        {"a count of 0 appends nothing", "c", 0, 0, -1, "", "", 0},
+        {"a count of 4 adds the prepared, zeroed fourth slot", "c", 0, 4, -1, "", "", 4},
+        {"an empty slot gives an empty body", "c", 0, -1, 1, "", "Base64Encode error: invalid input param", 3},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.behaviour);
+        DcmHostSetStatus(c.status);
+        DcmHostSetCertCount(c.count);
+        DcmHostSetEmptySlot(c.emptySlot);
+        Kavo::LogCapture log;
+        std::string challenge = c.challenge;
+        std::vector<std::string> pems = {"kept"};
+        PushBaseRsp rsp = DcmService::GetCertChain(challenge, pems);
+        DcmHostResetControl();
+        EXPECT_EQ(rsp.GetErr(), c.desc.empty() ? PUSH_SUCCESS : PUSH_ERR_SYSTEM_INTERNAL);
+        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
+        EXPECT_EQ(log.Texts(), *c.log ? Texts{c.log} : Texts{});
+        ASSERT_EQ(pems.size(), 1 + c.appended);
+        EXPECT_EQ(pems[0], "kept") << "the chain is appended, never cleared";
+        for (size_t i = 1; i < pems.size(); ++i) {
+            EXPECT_TRUE(i == 1u + c.emptySlot ? pems[i] == BEGIN + END : std::regex_match(pems[i], pem)) << i;
+        }
+        EXPECT_TRUE(c.count != 4 || pems[4] == BEGIN + PushBase64Convert::Base64Encode(std::string(8192, '\0')) + END);
+        if (c.appended >= 3 && c.emptySlot < 0) {
+            auto leaf = KavoTest::ParsePem(pems[1]), mid = KavoTest::ParsePem(pems[2]);
+            auto root = KavoTest::ParsePem(pems[3]);
+            ASSERT_TRUE(leaf && mid && root);
+            EXPECT_EQ(KavoTest::VerifyChain(leaf.get(), mid.get(), root.get()), X509_V_OK);
+            EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), c.challenge);
+        }
+    }
+    Kavo::LogCapture log;
+    EXPECT_EQ(DcmService::InitCertChain(nullptr), -10001);
+    EXPECT_EQ(log.Texts(), Texts{"InitCertChain: CertChain is Null"});
+}
+
+}  // namespace
