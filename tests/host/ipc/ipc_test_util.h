@@ -4,19 +4,14 @@
 #ifndef KAVO_TESTS_HOST_IPC_IPC_TEST_UTIL_H
 #define KAVO_TESTS_HOST_IPC_IPC_TEST_UTIL_H
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
-#include <fstream>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -32,21 +27,13 @@ inline std::string SocketName(const char* name)
     return "@kavo-ipc-" + std::to_string(getpid()) + "-" + name;
 }
 
-// Length word (which need not match), then the bytes; a reply frame puts its status word first.
+// Length word (which need not match), then `head` (a reply's status word), then the bytes.
 inline Bytes Frame(uint32_t lengthWord, const Bytes& bytes, const Bytes& head = {})
 {
-    Bytes frame;
-    for (int i = 0; i < 4; ++i) {
-        frame.push_back(static_cast<uint8_t>(lengthWord >> (8 * i)));
-    }
+    Bytes frame{uint8_t(lengthWord), uint8_t(lengthWord >> 8), uint8_t(lengthWord >> 16), uint8_t(lengthWord >> 24)};
     frame.insert(frame.end(), head.begin(), head.end());
     frame.insert(frame.end(), bytes.begin(), bytes.end());
     return frame;
-}
-
-inline Bytes Word(uint32_t value)
-{
-    return Frame(value, {});
 }
 
 inline Bytes RequestFrame(const Bytes& bytes)
@@ -56,7 +43,7 @@ inline Bytes RequestFrame(const Bytes& bytes)
 
 inline Bytes ReplyFrame(uint32_t status, const Bytes& bytes)
 {
-    return Frame(static_cast<uint32_t>(4 + bytes.size()), bytes, Word(status));
+    return Frame(static_cast<uint32_t>(4 + bytes.size()), bytes, Frame(status, {}));
 }
 
 inline bool SendBytes(int fd, const Bytes& bytes)
@@ -64,8 +51,7 @@ inline bool SendBytes(int fd, const Bytes& bytes)
     return bytes.empty() || send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-// Reads exactly `size` bytes (from a socket or a pipe) within `timeoutMs`; false on end of
-// stream, error or timeout.
+// Exactly `size` bytes (from a socket or a pipe) within `timeoutMs`; false on end, error or timeout.
 inline bool RecvExact(int fd, void* out, size_t size, int timeoutMs)
 {
     for (size_t done = 0; done < size;) {
@@ -88,10 +74,10 @@ struct Answer {
 inline Answer ReadAnswer(int fd, int timeoutMs)
 {
     Answer answer;
-    uint8_t word[8];
-    if (RecvExact(fd, word, 8, timeoutMs)) {
-        uint32_t size = word[0] | word[1] << 8 | word[2] << 16;
-        answer.status = word[4] | word[5] << 8 | word[6] << 16 | static_cast<uint32_t>(word[7]) << 24;
+    uint8_t w[8];
+    if (RecvExact(fd, w, 8, timeoutMs)) {
+        uint32_t size = w[0] | w[1] << 8 | w[2] << 16;
+        answer.status = w[4] | w[5] << 8 | w[6] << 16 | static_cast<uint32_t>(w[7]) << 24;
         answer.data.resize(size >= 4 ? size - 4 : 0);
         answer.framed = size >= 4 && RecvExact(fd, answer.data.data(), answer.data.size(), timeoutMs);
     }
@@ -120,33 +106,15 @@ inline int ConnectRaw(const std::string& abstractName)
     return fd;
 }
 
-inline size_t OpenFdCount()
+// Entries of a /proc/self folder: "fd" for open descriptors, "task" for threads. `settle` first
+// starts and joins a thread, since a sanitizer runtime starts a helper thread of its own.
+inline size_t ProcCount(const char* folder, bool settle = false)
 {
-    size_t count = 0;
-    DIR* dir = opendir("/proc/self/fd");
-    while (dir != nullptr && readdir(dir) != nullptr) {
-        ++count;
+    if (settle) {
+        std::thread([] {}).join();
     }
-    return dir != nullptr && closedir(dir) == 0 ? count : 0;
-}
-
-inline size_t ThreadCount()
-{
-    std::ifstream status("/proc/self/status");
-    std::string key;
-    size_t value = 0;
-    while (status >> key && key != "Threads:") {
-    }
-    status >> value;
-    return value;
-}
-
-// The thread count to come back to. A first thread is started and joined before counting, since
-// a sanitizer runtime starts a helper thread of its own alongside the process's first thread.
-inline size_t ThreadBaseline()
-{
-    std::thread([] {}).join();
-    return ThreadCount();
+    auto entries = std::filesystem::directory_iterator(std::string("/proc/self/") + folder);
+    return static_cast<size_t>(std::distance(entries, std::filesystem::directory_iterator()));
 }
 
 // Polls `condition` for up to two seconds (a joined thread leaves the kernel's count a moment later).
@@ -157,38 +125,6 @@ inline bool Eventually(const std::function<bool()>& condition)
     }
     return condition();
 }
-
-// Forks a child while the test process still has one thread. The child waits for a byte on `go`,
-// runs `body` with the write end of `out` for its findings, and exits; the parent keeps the rest.
-struct ForkedPeer {
-    explicit ForkedPeer(const std::function<void(int)>& body)
-    {
-        if (pipe2(go, O_CLOEXEC) == 0 && pipe2(out, O_CLOEXEC) == 0 && (pid = fork()) == 0) {
-            char byte = 0;
-            if (read(go[0], &byte, 1) == 1) {
-                body(out[1]);
-            }
-            _exit(0);
-        }
-        close(out[1]);
-    }
-    ~ForkedPeer()
-    {
-        close(go[1]);
-        close(go[0]);
-        close(out[0]);
-        if (pid > 0) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-        }
-    }
-    void Go() { (void)!write(go[1], "g", 1); }
-    bool Read(void* findings, size_t size, int timeoutMs) { return RecvExact(out[0], findings, size, timeoutMs); }
-
-    int go[2] = {-1, -1};
-    int out[2] = {-1, -1};
-    pid_t pid = -1;
-};
 
 }  // namespace IpcTest
 
