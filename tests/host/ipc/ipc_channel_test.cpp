@@ -1,25 +1,129 @@
+// The channel end to end, with frames written and read without the library so the wire form is
+// checked: the client against a scripted peer; the server against raw peers (boundary frames, then
+// a flood of random ones beside a well-behaved client); the calling uid of a setuid child; Stop.
 #include "kavo/host/ipc/ipc_channel.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <random>
+#include <stdexcept>
 #include <thread>
 
-#include "tests/host/ipc/ipc_test_util.h"
+#include "kavo/host/ipc/ipc_server.h"
+#include "kavo/host/ipc/ipc_skeleton.h"
+#include "kavo/host/want/want_params.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using namespace IpcTest;
+using Bytes = std::vector<uint8_t>;
 using Kavo::IpcClient;
 using Kavo::IpcResult;
 using Kavo::Parcel;
 
-Bytes DataOf(const Parcel& parcel)
+constexpr uint32_t MAX = 96 * 1024;  // past the server's read chunk, so a frame takes several reads
+
+// The first word picks what the handler does. Only STRUCTURED is a one-byte value, so a mutated
+// structured request never turns into another operation.
+enum Op : int32_t { STRUCTURED = 1, ECHO = 0x100, DECLINE = 0x200, THROW = 0x300, SLOW = 0x400, UID = 0x500 };
+
+bool Handle(Parcel& request, Parcel& reply)
 {
-    return Bytes(parcel.GetData(), parcel.GetData() + parcel.GetDataSize());
+    std::string bundle;
+    int32_t count = 0;
+    switch (request.ReadInt32()) {
+        case STRUCTURED:  // as the push service reads one: a bundle name, parameters, a count
+            return request.ReadString(bundle) && request.ReadStrongParcelable<Kavo::AAFwk::WantParams>() != nullptr &&
+                   request.ReadInt32(count) && reply.WriteString(bundle);
+        case ECHO:
+            return reply.WriteBuffer(request.GetData(), request.GetDataSize());
+        case THROW:
+            throw std::runtime_error("handler fault");
+        case SLOW:
+            std::this_thread::sleep_for(200ms);
+            return reply.WriteInt32(0);
+        case UID:
+            return reply.WriteInt32(Kavo::IPCSkeleton::GetCallingUid());
+        default:
+            return false;
+    }
 }
 
-TEST(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTheReply)
+struct Channel : testing::Test {
+    static Bytes DataOf(const Parcel& p) { return Bytes(p.GetData(), p.GetData() + p.GetDataSize()); }
+    // Length word (which need not match), then `head` (a reply's status word), then the bytes.
+    static Bytes Frame(uint32_t length, const Bytes& bytes, const Bytes& head = {})
+    {
+        Bytes frame{uint8_t(length), uint8_t(length >> 8), uint8_t(length >> 16), uint8_t(length >> 24)};
+        frame.insert(frame.end(), head.begin(), head.end());
+        frame.insert(frame.end(), bytes.begin(), bytes.end());
+        return frame;
+    }
+    static Bytes RequestFrame(const Bytes& bytes) { return Frame(uint32_t(bytes.size()), bytes); }
+    static Bytes ReplyFrame(uint32_t status, const Bytes& b) { return Frame(4 + b.size(), b, Frame(status, {})); }
+    static bool Send(int fd, const Bytes& b) { return send(fd, b.data(), b.size(), MSG_NOSIGNAL) == ssize_t(b.size()); }
+    // Exactly `size` bytes within `timeoutMs`; false on end of stream, error or timeout.
+    static bool RecvExact(int fd, void* out, size_t size, int timeoutMs)
+    {
+        ssize_t n = 1;
+        for (size_t done = 0; done < size && n > 0; done += size_t(n)) {
+            pollfd entry{fd, POLLIN, 0};
+            n = poll(&entry, 1, timeoutMs) > 0 ? read(fd, static_cast<uint8_t*>(out) + done, size - done) : -1;
+        }
+        return n > 0;
+    }
+    // True when the peer has closed: the next read reports end of stream (or a reset) in time.
+    static bool PeerClosed(int fd, int timeoutMs)
+    {
+        pollfd entry{fd, POLLIN, 0};
+        return poll(&entry, 1, timeoutMs) > 0 && recv(fd, &entry, 1, MSG_DONTWAIT) <= 0;
+    }
+    static int Pair(int& peer)  // a connected pair: returns one end, `peer` is the other
+    {
+        int mine = -1;
+        return Kavo::MakeIpcSocketPair(mine, peer) ? mine : -1;
+    }
+    static int Served(Kavo::IpcServer& server)  // one end of a pair whose other end `server` serves
+    {
+        int theirs = -1;
+        int mine = Pair(theirs);
+        return server.Serve(theirs) ? mine : -1;
+    }
+    // Open descriptors ("fd") or threads ("task"), waiting up to two seconds for `expected` (a
+    // joined thread leaves the kernel's count a moment later).
+    static size_t ProcCount(const char* folder, size_t expected = 0)
+    {
+        for (int i = 0;; ++i, std::this_thread::sleep_for(10ms)) {
+            auto entries = std::filesystem::directory_iterator(std::string("/proc/self/") + folder);
+            auto count = size_t(std::distance(entries, std::filesystem::directory_iterator()));
+            if (expected == 0 || count == expected || i == 200) {
+                return count;
+            }
+        }
+    }
+    // One transaction: the first word of the reply, or minus the failure.
+    static int32_t Call(IpcClient& client, Op op)
+    {
+        Parcel request;
+        request.WriteInt32(op);
+        request.WriteInt32(0);  // a uid claim the server must ignore
+        Parcel reply;
+        IpcResult result = client.Transact(request, reply, 2000ms);
+        return result == IpcResult::OK ? reply.ReadInt32() : -static_cast<int32_t>(result);
+    }
+};
+
+using ClientAgainstScriptedPeer = Channel;
+
+TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTheReply)
 {
     struct Case {
         const char* name;
@@ -45,16 +149,14 @@ TEST(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTheR
         {"half a frame then silence outlives the deadline", cut, false, 64, IpcResult::DEADLINE_PASSED},
     };
     for (const auto& c : cases) {
-        int clientFd = -1;
         int peerFd = -1;
-        ASSERT_TRUE(Kavo::MakeIpcSocketPair(clientFd, peerFd));
-        IpcClient client(clientFd);
+        IpcClient client(Pair(peerFd));
         Parcel request;
         request.WriteString("ping");
         Bytes received(4 + request.GetDataSize());
         std::thread peer([&] {
             RecvExact(peerFd, received.data(), received.size(), 2000);
-            SendBytes(peerFd, c.answer);
+            Send(peerFd, c.answer);
             (void)(c.closeAfter && shutdown(peerFd, SHUT_RDWR));
         });
         Parcel reply;
@@ -74,12 +176,10 @@ TEST(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTheR
     }
 }
 
-TEST(ClientLimits, RequestsPastTheFrameSizeNeverLeaveTheClientAndBadAddressesNeverConnect)
+TEST_F(ClientAgainstScriptedPeer, RequestsPastTheFrameSizeNeverLeaveAndBadAddressesNeverConnect)
 {
-    int clientFd = -1;
     int peerFd = -1;
-    ASSERT_TRUE(Kavo::MakeIpcSocketPair(clientFd, peerFd));
-    IpcClient client(clientFd);
+    IpcClient client(Pair(peerFd));
     client.SetMaxFrameSize(64);
     Parcel request;
     request.WriteBuffer(Bytes(68).data(), 68);
@@ -89,12 +189,202 @@ TEST(ClientLimits, RequestsPastTheFrameSizeNeverLeaveTheClientAndBadAddressesNev
     uint8_t byte = 0;
     EXPECT_FALSE(RecvExact(peerFd, &byte, 1, 20)) << "nothing was sent";
     close(peerFd);
-    IpcClient unconnected;
-    EXPECT_EQ(unconnected.Transact(request, reply, 50ms), IpcResult::NOT_CONNECTED);
-    for (const std::string& address :
-         {std::string("/nonexistent/kavo.sock"), std::string(200, 'x'), std::string(), SocketName("nobody")}) {
-        EXPECT_FALSE(unconnected.Connect(address)) << address;
+    for (const std::string& address : {std::string("/nonexistent/kavo.sock"), std::string(200, 'x'), std::string(),
+                                       "@kavo-ipc-nobody-" + std::to_string(getpid())}) {
+        EXPECT_FALSE(client.Connect(address)) << address;
     }
+}
+
+// Raw connections to a served server, one at a time: a new one once the server closed the last.
+struct ServerAgainstRawPeers : Channel {
+    // Sends a frame and reads its answer; an answer whose status is not in `allowed`, or that ends
+    // the connection without the server closing it, returns -1. `data` keeps the reply's bytes.
+    int32_t Exchange(const Bytes& frame, bool endStream, std::initializer_list<IpcResult> allowed)
+    {
+        fd = fd >= 0 ? fd : Served(server);
+        bool sent = Send(fd, frame);
+        (void)(endStream && shutdown(fd, SHUT_WR));
+        uint8_t w[8] = {};
+        bool framed = RecvExact(fd, w, 8, 5000);
+        uint32_t size = w[0] | w[1] << 8 | w[2] << 16;
+        auto status = IpcResult(w[4] | w[5] << 8 | w[6] << 16 | uint32_t(w[7]) << 24);
+        data.assign(size >= 4 ? size - 4 : 0, 0);
+        bool good = sent && framed && size >= 4 && RecvExact(fd, data.data(), data.size(), 5000) &&
+                    std::count(allowed.begin(), allowed.end(), status) > 0;
+        if (!good || status > IpcResult::REFUSED || endStream) {
+            good = good && PeerClosed(fd, 5000);
+            close(std::exchange(fd, -1));
+        }
+        return good ? static_cast<int32_t>(status) : -1;
+    }
+
+    // A random frame: a real request cut, mutated, replaced by noise or framed with a hostile length.
+    int32_t Attack(std::mt19937& rng, const Bytes& real, int index)
+    {
+        auto below = [&rng](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(rng); };
+        const Bytes prefix(real.begin(), real.begin() + static_cast<long>(below(real.size())));
+        const auto full = static_cast<uint32_t>(real.size());
+        if (index % 300 == 299) {  // part of a frame, then silence past the server's deadline
+            return Exchange(Frame(full, prefix), false, {IpcResult::DEADLINE_PASSED});
+        }
+        Bytes changed = below(2) == 0 ? real : Bytes(below(512));  // a real request mutated, or noise
+        for (size_t n = changed == real ? 1 + below(4) : changed.size(); n > 0; --n) {
+            changed[below(changed.size())] = static_cast<uint8_t>(rng());
+        }
+        switch (below(6)) {
+            case 0:
+                return Exchange(RequestFrame(real), false, {IpcResult::OK});
+            case 1:  // a valid prefix, framed as what it is
+                return Exchange(RequestFrame(prefix), false, {IpcResult::REFUSED});
+            case 2:
+                return Exchange(RequestFrame(changed), false, {IpcResult::OK, IpcResult::REFUSED});
+            case 3:
+                return Exchange(Frame(MAX + 1 + rng() % (~0u - MAX), prefix), false, {IpcResult::FRAME_TOO_LARGE});
+            case 4:  // the stream ends inside the request, or inside the length word
+                return Exchange(Frame(full, prefix), true, {IpcResult::SHORT_FRAME});
+            default:
+                return Exchange(Bytes(real.begin(), real.begin() + 1 + below(3)), true, {IpcResult::SHORT_FRAME});
+        }
+    }
+
+    size_t fdsBefore = ProcCount("fd");
+    size_t threadsBefore = (std::thread([] {}).join(), ProcCount("task"));  // after a sanitizer's helper thread
+    Kavo::IpcServer server{Handle, Kavo::IpcServerOptions{100ms, MAX}};
+    int fd = -1;
+    Bytes data;
+};
+
+TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothingIsLeftBehind)
+{
+    struct Case {
+        const char* name;
+        Bytes sent;
+        bool endStream;
+        IpcResult expected;  // OK echoes the request; results past REFUSED close the connection
+    };
+    auto op = [](Op op, const Bytes& rest) { return RequestFrame(Frame(op, rest)); };
+    const Case cases[] = {
+        {"a valid request is echoed", op(ECHO, Bytes(4, 9)), false, IpcResult::OK},
+        {"a request exactly at the frame size", op(ECHO, Bytes(MAX - 4, 0x3C)), false, IpcResult::OK},
+        {"a declined request keeps the connection", op(DECLINE, {}), false, IpcResult::REFUSED},
+        {"a throwing handler declines", op(THROW, {}), false, IpcResult::REFUSED},
+        {"an empty request reaches the handler", RequestFrame({}), false, IpcResult::REFUSED},
+        {"a length word one past the frame size", Frame(MAX + 1, {}), false, IpcResult::FRAME_TOO_LARGE},
+        {"the largest length word", Frame(0xFFFFFFFFu, {1, 2, 3}), false, IpcResult::FRAME_TOO_LARGE},
+        {"the stream ends inside the length word", {4, 0}, true, IpcResult::SHORT_FRAME},
+        {"the stream ends inside the request", Frame(100, Bytes(10)), true, IpcResult::SHORT_FRAME},
+        {"a length word cut short stalls past the deadline", {4, 0}, false, IpcResult::DEADLINE_PASSED},
+        {"a request cut short stalls", Frame(100, Bytes(10)), false, IpcResult::DEADLINE_PASSED},
+        {"a handler slower than the deadline", op(SLOW, {}), false, IpcResult::DEADLINE_PASSED},
+    };
+    uint64_t observed[9] = {};  // by result; the last counts answers not allowed
+    for (const auto& c : cases) {
+        int32_t status = Exchange(c.sent, c.endStream, {c.expected});
+        EXPECT_EQ(status, int32_t(c.expected)) << c.name;
+        EXPECT_EQ(data, c.expected == IpcResult::OK ? Bytes(c.sent.begin() + 4, c.sent.end()) : Bytes()) << c.name;
+        observed[status < 0 ? 8 : status]++;
+    }
+    close(std::exchange(fd, -1));
+    // A flood of a few thousand random frames while a well-behaved client keeps transacting.
+    const Bytes real = [] {
+        Kavo::AAFwk::WantParams nested;
+        nested.SetParam("channel", "default");
+        Kavo::AAFwk::WantParams params;
+        params.SetParam("title", "New message");
+        params.SetParam("extra", nested);
+        Parcel parcel;
+        parcel.WriteInt32(STRUCTURED);
+        parcel.WriteString("com.example.push");
+        parcel.WriteParcelable(&params);
+        parcel.WriteInt32(2);
+        return DataOf(parcel);
+    }();
+    std::atomic<bool> flooding{true};
+    int good[2] = {};  // answered as expected, not
+    auto behave = [&](int atMost) {
+        IpcClient client(Served(server));
+        for (int i = 0; i < atMost && flooding; ++i, std::this_thread::sleep_for(200us)) {
+            Parcel request;
+            request.WriteBuffer(real.data(), real.size());
+            Parcel reply;
+            good[client.Transact(request, reply, 2s) != IpcResult::OK || reply.ReadString() != "com.example.push"]++;
+        }
+    };
+    behave(50);  // warms the allocator up before the heap is measured
+    server.WaitUntilIdle();
+    const size_t fdsServing = ProcCount("fd");  // no connection left, the supervisor running
+    const size_t threadsServing = ProcCount("task");
+    const size_t heapBefore = mallinfo2().uordblks;
+    std::thread wellBehaved(behave, 1000000);
+    std::mt19937 rng(20261122);
+    for (int i = 0; i < 3000; ++i) {
+        int32_t status = Attack(rng, real, i);
+        EXPECT_TRUE(status >= 0 || observed[8] > 0) << "frame " << i << ", the first not answered as allowed";
+        observed[status < 0 ? 8 : status]++;
+    }
+    flooding = false;
+    wellBehaved.join();
+    close(std::exchange(fd, -1));
+    EXPECT_EQ(observed[8], 0u);
+    EXPECT_EQ(good[1], 0);
+    observed[0] += static_cast<uint64_t>(good[0]);
+    server.WaitUntilIdle();
+    for (int result = 0; result < 8; ++result) {  // one count per transaction
+        EXPECT_EQ(server.GetCount(IpcResult(result)), observed[result]) << Kavo::IpcResultName(IpcResult(result));
+    }
+    EXPECT_LT(mallinfo2().uordblks, heapBefore + 256 * 1024) << "heap in use, bytes";
+    EXPECT_EQ(ProcCount("task", threadsServing), threadsServing) << "each connection's thread is joined";
+    EXPECT_EQ(ProcCount("fd"), fdsServing);
+    server.Stop();
+    EXPECT_EQ(ProcCount("task", threadsBefore), threadsBefore);
+    EXPECT_EQ(ProcCount("fd"), fdsBefore);
+}
+
+TEST_F(Channel, CallingUidIsThePeersKernelUidWhateverThePeerClaims)
+{
+    const bool root = geteuid() == 0;
+    const int32_t childUid = root ? 65534 : static_cast<int32_t>(getuid());
+    const std::string name = "@kavo-ipc-uid-" + std::to_string(getpid());
+    pid_t child = fork();  // before any server thread exists; connects once the server listens
+    if (child == 0) {
+        IpcClient client;
+        for (int i = 0; i < 500 && (!root || setuid(65534) == 0) && !client.Connect(name); ++i) {
+            usleep(10000);
+        }
+        _exit(Call(client, UID) == childUid ? 0 : 1);
+    }
+    Kavo::IpcServer server(Handle);
+    ASSERT_TRUE(server.Listen(name));
+    IpcClient mine(Served(server));
+    EXPECT_EQ(Call(mine, UID), static_cast<int32_t>(getuid())) << "a pair's peer is its creator";
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0) << "the child saw its own uid, as the kernel saw it connect";
+    EXPECT_EQ(Kavo::IPCSkeleton::GetCallingUid(), Kavo::IPCSkeleton::GetSelfUid()) << "this thread serves no call";
+}
+
+TEST_F(Channel, StopLetsARunningHandlerReplyThenClosesEverything)
+{
+    const std::string path = "/tmp/kavo-ipc-" + std::to_string(getpid()) + ".sock";
+    Kavo::IpcServer server(Handle, Kavo::IpcServerOptions{1000ms, 4096, 3});
+    ASSERT_TRUE(server.Listen(path));
+    EXPECT_FALSE(server.Listen(path + "2")) << "one address per server";
+    EXPECT_FALSE(Kavo::IpcServer(Handle).Listen(path)) << "the path is taken";
+    IpcClient held[4];  // three fill the server; the fourth is closed as it arrives
+    for (auto& client : held) {
+        ASSERT_TRUE(client.Connect(path));
+    }
+    EXPECT_EQ(Call(held[0], ECHO) + Call(held[1], ECHO) + Call(held[2], ECHO), 3 * ECHO);
+    EXPECT_EQ(Call(held[3], ECHO), -static_cast<int32_t>(IpcResult::PEER_GONE));
+    int32_t slowAnswer = -1;
+    std::thread slow([&] { slowAnswer = Call(held[0], SLOW); });
+    std::this_thread::sleep_for(50ms);
+    server.Stop();
+    slow.join();
+    EXPECT_EQ(slowAnswer, 0);
+    EXPECT_EQ(Call(held[1], ECHO), -static_cast<int32_t>(IpcResult::PEER_GONE));
+    EXPECT_FALSE(server.Listen(path)) << "a stopped server serves nothing";
+    EXPECT_NE(access(path.c_str(), F_OK), 0) << "the socket file is removed";
 }
 
 }  // namespace
