@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <vector>
 
 namespace {
@@ -23,18 +22,16 @@ TEST(Parcel, ItemsAreLittleEndianAndPaddedToFourBytes)
         Bytes bytes;
     };
     const Case cases[] = {
-        {"bool true is a word of 1", [](Parcel& p) { p.WriteBool(true); }, {1, 0, 0, 0}},
-        {"int32 -2", [](Parcel& p) { p.WriteInt32(-2); }, {0xFE, 0xFF, 0xFF, 0xFF}},
+        {"bool true", [](Parcel& p) { p.WriteBool(true); }, {1, 0, 0, 0}},
+        {"int32", [](Parcel& p) { p.WriteInt32(-2); }, {0xFE, 0xFF, 0xFF, 0xFF}},
         {"uint64", [](Parcel& p) { p.WriteUint64(0x0102030405060708ULL); }, {8, 7, 6, 5, 4, 3, 2, 1}},
-        {"empty string keeps its terminator", [](Parcel& p) { p.WriteString(""); }, {0, 0, 0, 0, 0, 0, 0, 0}},
-        {"three bytes and the zero fill a word",
-         [](Parcel& p) { p.WriteString("abc"); },
-         {3, 0, 0, 0, 'a', 'b', 'c', 0}},
-        {"four bytes need a second word for the zero",
+        {"empty string", [](Parcel& p) { p.WriteString(""); }, {0, 0, 0, 0, 0, 0, 0, 0}},
+        {"three bytes and the zero", [](Parcel& p) { p.WriteString("abc"); }, {3, 0, 0, 0, 'a', 'b', 'c', 0}},
+        {"four bytes and the zero",
          [](Parcel& p) { p.WriteString("abcd"); },
          {4, 0, 0, 0, 'a', 'b', 'c', 'd', 0, 0, 0, 0}},
-        {"buffer padded", [](Parcel& p) { p.WriteBuffer("xy", 2); }, {'x', 'y', 0, 0}},
-        {"null parcelable is a zero word", [](Parcel& p) { p.WriteParcelable(nullptr); }, {0, 0, 0, 0}},
+        {"buffer", [](Parcel& p) { p.WriteBuffer("xy", 2); }, {'x', 'y', 0, 0}},
+        {"null parcelable", [](Parcel& p) { p.WriteParcelable(nullptr); }, {0, 0, 0, 0}},
     };
     for (const auto& c : cases) {
         Parcel parcel;
@@ -43,66 +40,55 @@ TEST(Parcel, ItemsAreLittleEndianAndPaddedToFourBytes)
     }
 }
 
-// Checked reads fail without moving or touching their output, value reads give zero values, and
-// no string length is trusted past the bytes that are there.
+// Checked reads fail without moving or touching their output; no length is trusted past the data.
 TEST(Parcel, ReadsOfShortOrHostileDataFailWithoutMoving)
 {
-    struct Case {
-        const char* name;
-        Bytes data;
+    const Bytes cases[] = {
+        {1, 2, 3},
+        {0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x', 'x'},  // the largest string length
+        {0xFF, 0xFF, 0xFF, 0xFF, 'x', 'x', 'x', 'x'},  // a negative one
+        {0, 0, 0, 0x80},                               // the most negative one
+        {4, 0, 0, 0, 'x', 'x', 'x', 'x'},              // no room left for the zero
     };
-    const Case cases[] = {
-        {"three bytes", {1, 2, 3}},
-        {"maximum string length over a short parcel", {0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x', 'x'}},
-        {"negative string length", {0xFF, 0xFF, 0xFF, 0xFF, 'x', 'x', 'x', 'x'}},
-        {"most negative string length", {0, 0, 0, 0x80}},
-        {"string length equal to the remaining bytes leaves no room for the zero", {4, 0, 0, 0, 'x', 'x', 'x', 'x'}},
-    };
-    for (const auto& c : cases) {
+    for (const auto& data : cases) {
         Parcel parcel;
-        ASSERT_TRUE(parcel.ParseFrom(c.data.data(), c.data.size()));
+        ASSERT_TRUE(parcel.ParseFrom(data.data(), data.size()));
         std::string text = "kept";
-        EXPECT_FALSE(parcel.ReadString(text) || text != "kept") << c.name;
-        EXPECT_EQ(parcel.ReadString(), "") << c.name;
-        EXPECT_EQ(parcel.ReadBuffer(c.data.size() + 1), nullptr) << c.name;
-        EXPECT_EQ(parcel.ReadBuffer(SIZE_MAX), nullptr) << c.name;
-        EXPECT_EQ(parcel.GetReadPosition(), 0u) << c.name;
+        EXPECT_FALSE(parcel.ReadString(text) || text != "kept") << data.size();
+        EXPECT_EQ(parcel.ReadString(), "");
+        EXPECT_EQ(parcel.ReadBuffer(data.size() + 1), nullptr);
+        EXPECT_EQ(parcel.ReadBuffer(SIZE_MAX), nullptr);
+        EXPECT_EQ(parcel.GetReadPosition(), 0u);
     }
     Parcel three;
-    ASSERT_TRUE(three.ParseFrom(Bytes{1, 2, 3}.data(), 3));
+    ASSERT_TRUE(three.ParseFrom(cases[0].data(), 3));
     int32_t i32 = 42;
     int64_t i64 = 42;
     EXPECT_FALSE(three.ReadInt32(i32) || three.ReadInt64(i64) || i32 != 42 || i64 != 42);
     EXPECT_FALSE(three.ReadInt32() || three.ReadUint64() || three.ReadBool() || three.GetReadPosition());
 }
 
-TEST(Parcel, AWriteThatWouldPassTheMaximumCapacityWritesNothing)
+TEST(Parcel, AFullParcelWritesNothingAndParseFromKeepsExactBytes)
 {
     Parcel parcel;
-    ASSERT_TRUE(parcel.SetMaxCapacity(12));
-    EXPECT_TRUE(parcel.WriteInt64(1));
-    EXPECT_FALSE(parcel.WriteInt64(2) || parcel.WriteString("abcd"));
-    EXPECT_EQ(parcel.GetDataSize(), 8u);
+    ASSERT_TRUE(parcel.SetMaxCapacity(12) && parcel.WriteInt64(1));
+    EXPECT_FALSE(parcel.WriteInt64(2) || parcel.WriteString("abcd") || parcel.GetDataSize() != 8);
     EXPECT_TRUE(parcel.WriteInt32(-7));
-    EXPECT_FALSE(parcel.WriteBool(true));
-    EXPECT_EQ(parcel.GetDataSize(), 12u);
+    EXPECT_FALSE(parcel.WriteBool(true) || parcel.GetDataSize() != 12);
     EXPECT_FALSE(parcel.SetMaxCapacity(4)) << "below the data already written";
     EXPECT_EQ(parcel.ReadInt64(), 1);
     EXPECT_TRUE(parcel.ReadBool()) << "any non-zero word is true";
-}
 
-TEST(Parcel, ParseFromKeepsExactBytesAndRewinds)
-{
     Parcel source;
     source.WriteString("hello");
     source.WriteInt64(-5);
+    EXPECT_FALSE(parcel.ParseFrom(source.GetData(), source.GetDataSize())) << "past the maximum capacity";
     Parcel copy;
     ASSERT_TRUE(copy.ParseFrom(source.GetData(), source.GetDataSize() - 1));
     EXPECT_EQ(DataOf(copy), DataOf(source, 1)) << "no padding added";
     EXPECT_EQ(copy.ReadString(), "hello");
     EXPECT_EQ(copy.ReadInt64(), 0) << "the cut item is gone";
-    EXPECT_TRUE(copy.RewindRead(0));
-    EXPECT_EQ(copy.ReadString(), "hello");
+    EXPECT_TRUE(copy.RewindRead(0) && copy.ReadString() == "hello");
     EXPECT_FALSE(copy.RewindRead(copy.GetDataSize() + 1));
     EXPECT_NE(source.ReadBuffer(10), nullptr);
     EXPECT_EQ(source.GetReadPosition(), 12u) << "a buffer's padding is read too";

@@ -24,8 +24,8 @@ int Count(const Ptr& p)
     return p ? p->GetSptrRefCount() : -1;
 }
 
-// Each scenario starts with `h` owning a fresh object and returns a count it observed; then `h`
-// owns an object of count 1 or nothing, and leaving the scope deletes every object exactly once.
+// Each scenario gets `h` owning a fresh object and returns a count; then `h` owns an object of count 1
+// or nothing, and leaving the scope deletes every object exactly once.
 TEST(Sptr, EveryOperationKeepsTheCountAndDeletesAtZero)
 {
     struct Case {
@@ -60,8 +60,7 @@ TEST(Sptr, EveryOperationKeepsTheCountAndDeletesAtZero)
     }
 }
 
-// Each thread copies and drops its own pointer to one object, then lets it go: only the last of
-// all the drops, whichever thread makes it, deletes.
+// Threads copy their own pointers to one object, then drop them: only the last drop deletes.
 TEST(Sptr, ConcurrentCopiesKeepTheCountAndDeleteOnce)
 {
     g_destroyed = 0;
