@@ -14,8 +14,7 @@
 
 namespace {
 
-// Each case makes entries below a fresh folder ("dir/name" a file, "dir/name/" a folder), lists
-// directories ("@" is the folder) and looks "p.json" up in a buffer followed by an untouched guard.
+// Entries are made below a fresh folder ("@" in the list; "x/" a folder); a guard follows the buffer.
 TEST(ConfigLookup, FirstDirectoryHoldingTheFileWinsAndTheBufferIsAlwaysTerminatedAndNeverOverrun)
 {
     struct Case {

@@ -31,8 +31,7 @@ using Kavo::Parcel;
 
 constexpr uint32_t MAX = 96 * 1024;  // past the server's read chunk, so a frame takes several reads
 
-// The first word picks what the handler does. Only STRUCTURED is a one-byte value, so a mutated
-// structured request never turns into another operation.
+// The first word picks what the handler does; only STRUCTURED is one byte, so no mutation reaches another.
 enum Op : int32_t { STRUCTURED = 1, ECHO = 0x100, DECLINE = 0x200, THROW = 0x300, SLOW = 0x400, UID = 0x500 };
 
 bool Handle(Parcel& request, Parcel& reply)
@@ -172,21 +171,27 @@ TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTh
 
 // Raw connections to a served server, one at a time: a new one once the server closed the last.
 struct ServerAgainstRawPeers : Channel {
-    // Sends a frame and reads its answer; an answer whose status is not in `allowed`, or that ends
-    // the connection without the server closing it, returns -1. `data` keeps the reply's bytes.
-    int32_t Exchange(const Bytes& frame, bool endStream, const std::vector<IpcResult>& allowed)
+    struct Case {
+        const char* name;
+        Bytes frame;
+        bool endStream;
+        std::vector<IpcResult> allowed;  // results past REFUSED close the connection
+    };
+    // Sends a frame and reads its answer; an answer whose status is not allowed, or that ends the
+    // connection without the server closing it, returns -1. `data` keeps the reply's bytes.
+    int32_t Exchange(const Case& c)
     {
         fd = fd >= 0 ? fd : Served(server);
-        bool sent = Send(fd, frame);
-        (void)(endStream && shutdown(fd, SHUT_WR));
+        bool sent = Send(fd, c.frame);
+        (void)(c.endStream && shutdown(fd, SHUT_WR));
         uint8_t w[8] = {};
         bool framed = RecvExact(fd, w, 8, 5000);
         uint32_t size = w[0] | w[1] << 8 | w[2] << 16;
         auto status = IpcResult(w[4] | w[5] << 8 | w[6] << 16 | uint32_t(w[7]) << 24);
         data.assign(size >= 4 ? size - 4 : 0, 0);
         bool good = sent && framed && size >= 4 && RecvExact(fd, data.data(), data.size(), 5000) &&
-                    std::count(allowed.begin(), allowed.end(), status) > 0;
-        if (!good || status > IpcResult::REFUSED || endStream) {
+                    std::count(c.allowed.begin(), c.allowed.end(), status) > 0;
+        if (!good || status > IpcResult::REFUSED || c.endStream) {
             good = good && PeerClosed(fd, 5000);
             close(std::exchange(fd, -1));
         }
@@ -202,21 +207,16 @@ struct ServerAgainstRawPeers : Channel {
         for (size_t n = changed == real ? 1 + below(4) : changed.size(); n > 0; --n) {
             changed[below(changed.size())] = static_cast<uint8_t>(rng());
         }
-        const struct {
-            Bytes frame;
-            bool endStream;
-            std::vector<IpcResult> allowed;
-        } kinds[] = {
-            {RequestFrame(real), false, {IpcResult::OK}},
-            {RequestFrame(prefix), false, {IpcResult::REFUSED}},  // a valid prefix, framed as what it is
-            {RequestFrame(changed), false, {IpcResult::OK, IpcResult::REFUSED}},
-            {Frame(MAX + 1 + rng() % (~0u - MAX), prefix), false, {IpcResult::FRAME_TOO_LARGE}},
-            {Frame(real.size(), prefix), true, {IpcResult::SHORT_FRAME}},  // ends inside the request
-            {Bytes(real.begin(), real.begin() + 1 + below(3)), true, {IpcResult::SHORT_FRAME}},  // or its length
-            {Frame(real.size(), prefix), false, {IpcResult::DEADLINE_PASSED}},                   // a part, then silence
+        const Case kinds[] = {
+            {"real", RequestFrame(real), false, {IpcResult::OK}},
+            {"a valid prefix", RequestFrame(prefix), false, {IpcResult::REFUSED}},
+            {"mutated or noise", RequestFrame(changed), false, {IpcResult::OK, IpcResult::REFUSED}},
+            {"too large", Frame(MAX + 1 + rng() % (~0u - MAX), prefix), false, {IpcResult::FRAME_TOO_LARGE}},
+            {"ends inside the request", Frame(real.size(), prefix), true, {IpcResult::SHORT_FRAME}},
+            {"cut in its length", Bytes(real.begin(), real.begin() + 1 + below(3)), true, {IpcResult::SHORT_FRAME}},
+            {"a part, then silence", Frame(real.size(), prefix), false, {IpcResult::DEADLINE_PASSED}},
         };
-        const auto& kind = kinds[index % 300 == 299 ? 6 : below(6)];
-        return Exchange(kind.frame, kind.endStream, kind.allowed);
+        return Exchange(kinds[index % 300 == 299 ? 6 : below(6)]);
     }
 
     size_t fdsBefore = ProcCount("fd");
@@ -228,29 +228,23 @@ struct ServerAgainstRawPeers : Channel {
 
 TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothingIsLeftBehind)
 {
-    struct Case {
-        const char* name;
-        Bytes sent;
-        bool endStream;
-        IpcResult expected;  // OK echoes the request; results past REFUSED close the connection
-    };
     auto op = [](Op op, const Bytes& rest) { return RequestFrame(Frame(op, rest)); };
     const Case cases[] = {
-        {"a valid request is echoed", op(ECHO, Bytes(4, 9)), false, IpcResult::OK},
-        {"a request exactly at the frame size", op(ECHO, Bytes(MAX - 4, 0x3C)), false, IpcResult::OK},
-        {"a declined request keeps the connection", op(DECLINE, {}), false, IpcResult::REFUSED},
-        {"a throwing handler declines", op(THROW, {}), false, IpcResult::REFUSED},
-        {"an empty request reaches the handler", RequestFrame({}), false, IpcResult::REFUSED},
-        {"a length word one past the frame size", Frame(MAX + 1, {}), false, IpcResult::FRAME_TOO_LARGE},
-        {"the largest length word", Frame(0xFFFFFFFFu, {1, 2, 3}), false, IpcResult::FRAME_TOO_LARGE},
-        {"a length word cut short stalls past the deadline", {4, 0}, false, IpcResult::DEADLINE_PASSED},
-        {"a handler slower than the deadline", op(SLOW, {}), false, IpcResult::DEADLINE_PASSED},
+        {"a valid request is echoed", op(ECHO, Bytes(4, 9)), false, {IpcResult::OK}},
+        {"a request exactly at the frame size", op(ECHO, Bytes(MAX - 4, 0x3C)), false, {IpcResult::OK}},
+        {"a declined request keeps the connection", op(DECLINE, {}), false, {IpcResult::REFUSED}},
+        {"a throwing handler declines", op(THROW, {}), false, {IpcResult::REFUSED}},
+        {"an empty request reaches the handler", RequestFrame({}), false, {IpcResult::REFUSED}},
+        {"a length word one past the frame size", Frame(MAX + 1, {}), false, {IpcResult::FRAME_TOO_LARGE}},
+        {"the largest length word", Frame(0xFFFFFFFFu, {1, 2, 3}), false, {IpcResult::FRAME_TOO_LARGE}},
+        {"a length word cut short stalls past the deadline", {4, 0}, false, {IpcResult::DEADLINE_PASSED}},
+        {"a handler slower than the deadline", op(SLOW, {}), false, {IpcResult::DEADLINE_PASSED}},
     };
     uint64_t observed[9] = {};  // by result; the last counts answers not allowed
     for (const auto& c : cases) {
-        int32_t status = Exchange(c.sent, c.endStream, {c.expected});
-        EXPECT_EQ(status, int32_t(c.expected)) << c.name;
-        EXPECT_EQ(data, c.expected == IpcResult::OK ? Bytes(c.sent.begin() + 4, c.sent.end()) : Bytes()) << c.name;
+        int32_t status = Exchange(c);  // an OK answer echoes the request
+        EXPECT_EQ(status, int32_t(c.allowed[0])) << c.name;
+        EXPECT_EQ(data, status == 0 ? Bytes(c.frame.begin() + 4, c.frame.end()) : Bytes()) << c.name;
         observed[status < 0 ? 8 : status]++;
     }
     close(std::exchange(fd, -1));

@@ -9,10 +9,9 @@ namespace {
 using Kavo::Parcel;
 using Bytes = std::vector<uint8_t>;
 
-Bytes DataOf(const Parcel& parcel, size_t cut = 0)
-{
-    return Bytes(parcel.GetData(), parcel.GetData() + parcel.GetDataSize() - cut);
-}
+const auto DataOf = [](const Parcel& p, size_t cut = 0) {
+    return Bytes(p.GetData(), p.GetData() + p.GetDataSize() - cut);
+};
 
 TEST(Parcel, ItemsAreLittleEndianAndPaddedToFourBytes)
 {
