@@ -1,5 +1,3 @@
-// The channel end to end, with raw frames so the wire form is checked: the client against a scripted
-// peer; the server against raw peers (boundary frames, then a random flood); a setuid child; Stop.
 #include "kavo/host/ipc/ipc_channel.h"
 
 #include <gtest/gtest.h>
@@ -89,8 +87,7 @@ struct Channel : testing::Test {
         int theirs = -1;
         return Kavo::MakeIpcSocketPair(mine, theirs) && server.Serve(theirs) ? mine : -1;
     }
-    // Open descriptors ("fd") or threads ("task"), waiting up to two seconds for `expected` (a
-    // joined thread leaves the kernel's count a moment later).
+    // Open descriptors ("fd") or threads ("task"); waits up to 2 s for `expected`, as threads leave late.
     static size_t ProcCount(const char* folder, size_t expected = 0)
     {
         for (int i = 0;; ++i, std::this_thread::sleep_for(10ms)) {
@@ -106,7 +103,6 @@ struct Channel : testing::Test {
     {
         Parcel request;
         request.WriteInt32(op);
-        request.WriteInt32(0);  // a uid claim the server must ignore
         Parcel reply;
         IpcResult result = client.Transact(request, reply, 2000ms);
         return result == IpcResult::OK ? reply.ReadInt32() : -static_cast<int32_t>(result);
@@ -286,7 +282,6 @@ TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothi
     flooding = false;
     wellBehaved.join();
     close(std::exchange(fd, -1));
-    EXPECT_EQ(observed[8], 0u);
     EXPECT_EQ(good[1], 0);
     observed[0] += static_cast<uint64_t>(good[0]);
     server.WaitUntilIdle();
@@ -312,19 +307,18 @@ TEST_F(Channel, CallingUidIsThePeersKernelUidAndStopLetsARunningHandlerReplyThen
         for (int i = 0; i < 500 && (!root || setuid(65534) == 0) && !client.Connect(path); ++i) {
             usleep(10000);
         }
-        _exit(Call(client, UID) == childUid ? 0 : 1);  // it claimed uid 0
+        _exit(Call(client, UID) == childUid ? 0 : 1);
     }
     Kavo::IpcServer server(Handle);
     ASSERT_TRUE(server.Listen(path) && chmod(path.c_str(), 0777) == 0);
-    EXPECT_FALSE(server.Listen(path + "2")) << "one address per server";
     EXPECT_FALSE(Kavo::IpcServer(Handle).Listen(path)) << "the path is taken";
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0) << "the child saw its own uid, as the kernel saw it connect";
     IpcClient pair(Served(server));
-    pair.SetMaxFrameSize(4);
+    pair.SetMaxFrameSize(3);
     EXPECT_EQ(Call(pair, UID), -static_cast<int32_t>(IpcResult::FRAME_TOO_LARGE)) << "a request past the frame size";
-    pair.SetMaxFrameSize(8);
+    pair.SetMaxFrameSize(4);
     EXPECT_EQ(Call(pair, UID), static_cast<int32_t>(getuid())) << "a pair's peer is its creator";
     EXPECT_EQ(Kavo::IPCSkeleton::GetCallingUid(), Kavo::IPCSkeleton::GetSelfUid()) << "this thread serves no call";
     IpcClient idle;
