@@ -18,7 +18,7 @@ using namespace Kavo::Push;
 using Sas = SystemAbilityStatusService;
 using Clock = std::chrono::steady_clock;
 
-constexpr int ANCHOR = Sas::ANCHOR_ABILITY_ID;
+constexpr int ANCHOR = 65728;  // the ability whose presence makes the registry answer
 constexpr int POLL_MS = 20;
 
 using Reg = std::vector<std::pair<int, Sas::Status>>;

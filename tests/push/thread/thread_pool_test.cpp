@@ -280,8 +280,8 @@ TEST(ThreadPoolTest, EveryTaskOfAStressRunRunsExactlyOnce)
         }
         std::vector<std::thread> feeders;
         for (size_t p = 0; p < producers; ++p) {
-            feeders.emplace_back([&, p] {
-                for (size_t i = p; i < total; i += producers) {
+            feeders.emplace_back([&, p, step = producers] {
+                for (size_t i = p; i < total; i += step) {
                     auto task = [&runs, i] { runs[i].fetch_add(1); };
                     EXPECT_TRUE(pools[i % pools.size()]->AddTask(task));
                 }
