@@ -1,16 +1,15 @@
-// The readiness registry and the task runner: when a failure is returned at once, when it waits
+// The task runner over the readiness registry: when a failure is returned at once, when it waits
 // for the service and retries once, which codes it sets and which lines it logs at which level.
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <climits>
-#include <functional>
-#include <mutex>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "kavo/host/log/log.h"
+#include "kavo/push/common/push_log.h"
 #include "kavo/push/common/system_ability_status_service.h"
 
 namespace {
@@ -18,175 +17,79 @@ namespace {
 using namespace Kavo::Push;
 using Sas = SystemAbilityStatusService;
 using Clock = std::chrono::steady_clock;
-using LogEntry = std::pair<Kavo::LogLevel, std::string>;
 
-constexpr int ANCHOR = 65728;
-constexpr int BUNDLE = 401;
-constexpr int SPECIAL = 1301;
-constexpr int POLL_MS = 5;
-constexpr int INNER_UNSET = INT_MIN;
+constexpr int ANCHOR = 65728;  // the ability whose presence makes the registry answer
+constexpr int POLL_MS = 20;
 
-class SystemAbilityStatusServiceTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ClearRegistry();
-        Sas::SetPollIntervalForTesting(POLL_MS);
-    }
-    void TearDown() override
-    {
-        ClearRegistry();
-        Sas::SetPollIntervalForTesting(0);
-    }
-    static void ClearRegistry()
-    {
-        std::lock_guard<std::recursive_mutex> lock(Sas::mutex);
-        Sas::saStatuss.clear();
-    }
-    static void Fill(const std::vector<std::pair<int, Sas::Status>>& entries)
-    {
-        for (const auto& [id, status] : entries) {
-            Sas::SetStatus(id, status);
-        }
-    }
-    static std::vector<LogEntry> Entries(const Kavo::LogCapture& capture)
-    {
-        std::vector<LogEntry> entries;
-        for (const auto& line : capture.Lines()) {
-            entries.emplace_back(line.level, line.text);
-        }
-        return entries;
-    }
-};
-
-TEST_F(SystemAbilityStatusServiceTest, RegistryAnswersOnlyOnceTheAnchorIsPresent)
-{
-    struct Case {
-        const char* name;
-        std::vector<std::pair<int, Sas::Status>> registry;
-        int abilityId;
-        Sas::Status status;
-    };
-    const Case cases[] = {
-        {"empty registry is unknown", {}, BUNDLE, Sas::UNKNOWN},
-        {"entries without the anchor are ignored", {{BUNDLE, Sas::STARTED}}, BUNDLE, Sas::UNKNOWN},
-        {"anchor makes a missing id stopped", {{ANCHOR, Sas::STARTED}}, BUNDLE, Sas::STOPPED},
-        {"anchor reported stopped still activates", {{ANCHOR, Sas::STOPPED}, {BUNDLE, Sas::STARTED}}, BUNDLE,
-         Sas::STARTED},
-        {"stored stopped", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}}, BUNDLE, Sas::STOPPED},
-        {"stored unknown is answered as it is", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::UNKNOWN}}, BUNDLE,
-         Sas::UNKNOWN},
-        {"anchor asks about itself", {{ANCHOR, Sas::STARTED}}, ANCHOR, Sas::STARTED},
-        {"later report overwrites", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}, {BUNDLE, Sas::STARTED}}, BUNDLE,
-         Sas::STARTED},
-    };
-    for (const auto& c : cases) {
-        ClearRegistry();
-        Fill(c.registry);
-        EXPECT_EQ(Sas::GetStatus(c.abilityId), c.status) << c.name;
-    }
-}
+using Reg = std::vector<std::pair<int, Sas::Status>>;
+using Rsps = std::vector<PushBaseRsp>;
+using Events = std::vector<std::string>;
 
 struct TaskCase {
     const char* name;
-    std::vector<std::pair<int, Sas::Status>> registry;
+    Reg registry;
     int abilityId;
-    std::vector<PushBaseRsp> attempts;  // what each call of the task returns
-    // >= 0: another thread reports STARTED this long after the first call; long enough for the
-    // runner to have read the registry as stopped, short enough to land within the wait.
-    int reportStartedAfterMs;
-    int calls;
-    int err;
-    int inner;
-    std::vector<LogEntry> log;
-    int minPolls;  // the wait lasted at least this many polls
+    Rsps attempts;       // what each call of the task returns
+    int startedAfterMs;  // >= 0: another thread reports the ability STARTED this long after the first call
+    const char* info;    // of the result
+    int polls;           // how long the wait lasts, in polls
+    Events events;       // "<level letter> <log text>"; the task logs "call" each time it runs
 };
 
-const std::vector<TaskCase>& TaskCases()
+TEST(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
 {
-    const PushBaseRsp fail(PUSH_ERR_SYSTEM_INTERNAL, std::string("query failed"));
-    const PushBaseRsp failWithInner(PUSH_ERR_SYSTEM_INTERNAL, 100000016, std::string("query failed"));
-    const PushBaseRsp badParam(PUSH_ERR_INVALID_PARAM, std::string("bad"));
-    const PushBaseRsp waitCode(PUSH_ERR_SYSTEM_INTERNAL, INNER_ERR_SA_WAIT_AND_RETRY, std::string("busy"));
+    Sas::SetPollIntervalForTesting(POLL_MS);
     const PushBaseRsp ok;
-    using L = LogEntry;
-    static const std::vector<TaskCase> cases = {
-        {"first success returns at once", {{ANCHOR, Sas::STARTED}}, BUNDLE, {ok}, -1, 1, 0, INNER_UNSET,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
-          L{Kavo::LOG_DEBUG, "End do task for ability:401 firstTime succeed"}},
-         0},
-        {"no anchor returns the failure unchanged", {{BUNDLE, Sas::STOPPED}}, BUNDLE, {failWithInner, ok}, -1, 1,
-         1000900001, 100000016,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
-          L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
-         0},
-        {"started service marks the failure as its own", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STARTED}}, BUNDLE,
-         {badParam, ok}, -1, 1, 401, 100000143,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"}, L{Kavo::LOG_ERROR, "Task for ability:401 is started"}},
-         0},
-        {"missing service waits ten polls then stops", {{ANCHOR, Sas::STARTED}}, BUNDLE, {badParam, ok}, -1, 1,
-         1000900001, 100000142,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"}, L{Kavo::LOG_ERROR, "Task for ability:401 stopped"}},
-         10},
-        {"stopped service reported started during the wait is retried",
-         {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}}, BUNDLE, {fail, ok}, 12, 2, 0, INNER_UNSET,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
-          L{Kavo::LOG_WARN, "Begin do task for ability:401 again"}},
-         1},
-        {"second failure after the wait is marked", {{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}}, BUNDLE,
-         {fail, failWithInner, ok}, 10, 2, 1000900001, 100000143,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
-          L{Kavo::LOG_WARN, "Begin do task for ability:401 again"}, L{Kavo::LOG_ERROR, "Sa interface invoke fail"}},
-         1},
-        {"ability 1301 with its retry code waits even without the anchor", {}, SPECIAL, {waitCode, ok}, -1, 2, 0,
-         INNER_UNSET,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:1301"},
-          L{Kavo::LOG_WARN, "Begin do task for ability:1301 again"}},
-         10},
-        {"ability 1301 with its retry code stays stopped", {{ANCHOR, Sas::STARTED}}, SPECIAL, {waitCode, ok}, -1, 1,
-         1000900001, 100000142,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:1301"}, L{Kavo::LOG_ERROR, "Task for ability:1301 stopped"}},
-         10},
-        {"ability 1301 with its retry code waits although started",
-         {{ANCHOR, Sas::STARTED}, {SPECIAL, Sas::STARTED}}, SPECIAL, {waitCode, waitCode}, -1, 2, 1000900001,
-         100000143,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:1301"},
-          L{Kavo::LOG_WARN, "Begin do task for ability:1301 again"}, L{Kavo::LOG_ERROR, "Sa interface invoke fail"}},
-         1},
-        {"ability 1301 with another code is not waited for", {}, SPECIAL, {failWithInner, ok}, -1, 1, 1000900001,
-         100000016,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:1301"},
-          L{Kavo::LOG_DEBUG, "End do task for ability:1301 failed"}},
-         0},
-        {"the retry code of another ability is not waited for", {}, BUNDLE, {waitCode, ok}, -1, 1, 1000900001,
-         100000155,
-         {L{Kavo::LOG_DEBUG, "Begin do task for ability:401"},
-          L{Kavo::LOG_DEBUG, "End do task for ability:401 failed"}},
-         0},
+    const PushBaseRsp bad(6, PUSH_ERR_INVALID_PARAM, "bad");
+    const PushBaseRsp inner(PUSH_ERR_SYSTEM_INTERNAL, 100000016, std::string("q"));
+    const PushBaseRsp wait(PUSH_ERR_SYSTEM_INTERNAL, INNER_ERR_SA_WAIT_AND_RETRY, std::string("busy"));
+    const std::string call = "I call";
+    const std::string begin401 = "D Begin do task for ability:401", again401 = "W Begin do task for ability:401 again";
+    const std::string begin1301 = "D Begin do task for ability:1301";
+    const std::string again1301 = "W Begin do task for ability:1301 again";
+    const TaskCase cases[] = {
+        {"first success returns at once", Reg{{ANCHOR, Sas::STARTED}}, 401, Rsps{ok}, -1, "", 0,
+         Events{begin401, call, "D End do task for ability:401 firstTime succeed"}},
+        {"no anchor: the failure at once", Reg{{401, Sas::STOPPED}}, 401, Rsps{inner, ok}, -1,
+         "q: error(1000900001), innerCode(100000016)", 0,
+         Events{begin401, call, "D End do task for ability:401 failed"}},
+        {"started before the failure marks it the call's own", Reg{{ANCHOR, Sas::STOPPED}, {401, Sas::STARTED}}, 401,
+         Rsps{bad, ok}, -1, "bad: error(401), innerCode(100000143)", 0,
+         Events{begin401, call, "E Task for ability:401 is started"}},
+        {"an absent ability is waited for ten polls", Reg{{ANCHOR, Sas::STARTED}}, 401, Rsps{bad, ok}, -1,
+         "bad: error(1000900001), innerCode(100000142)", 10, Events{begin401, call, "E Task for ability:401 stopped"}},
+        {"started during the wait is retried", Reg{{ANCHOR, Sas::STARTED}, {401, Sas::STOPPED}}, 401, Rsps{inner, ok},
+         30, "", 2, Events{begin401, call, again401, call}},
+        {"failed retry marked", Reg{{ANCHOR, Sas::STARTED}, {401, Sas::STOPPED}}, 401, Rsps{bad, inner}, 30,
+         "q: error(1000900001), innerCode(100000143)", 2,
+         Events{begin401, call, again401, call, "E Sa interface invoke fail"}},
+        {"1301 with its retry code waits even without the anchor", Reg{}, 1301, Rsps{wait, ok}, -1, "", 10,
+         Events{begin1301, call, again1301, call}},
+        {"1301 with its retry code waits although started", Reg{{ANCHOR, Sas::STARTED}, {1301, Sas::STARTED}}, 1301,
+         Rsps{wait, wait}, -1, "busy: error(1000900001), innerCode(100000143)", 1,
+         Events{begin1301, call, again1301, call, "E Sa interface invoke fail"}},
+        {"1301, another code: no wait", Reg{}, 1301, Rsps{inner, ok}, -1, "q: error(1000900001), innerCode(100000016)",
+         0, Events{begin1301, call, "D End do task for ability:1301 failed"}},
+        {"the retry code, another ability: no wait", Reg{}, 401, Rsps{wait, ok}, -1,
+         "busy: error(1000900001), innerCode(100000155)", 0,
+         Events{begin401, call, "D End do task for ability:401 failed"}},
     };
-    return cases;
-}
-
-TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
-{
-    for (const auto& c : TaskCases()) {
-        ClearRegistry();
-        Fill(c.registry);
+    for (const auto& c : cases) {
+        Sas::saStatuss.clear();
+        for (const auto& [id, status] : c.registry) {
+            Sas::SetStatus(id, status);
+        }
         Kavo::LogCapture capture;
         std::thread reporter;
         size_t calls = 0;
-        std::vector<size_t> linesBeforeCall;
         auto task = [&]() {
-            if (calls == 0 && c.reportStartedAfterMs >= 0) {
-                int id = c.abilityId;
-                int delay = c.reportStartedAfterMs;
-                reporter = std::thread([id, delay] {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(delay));
-                    Sas::SetStatus(id, Sas::STARTED);
+            if (calls == 0 && c.startedAfterMs >= 0) {
+                reporter = std::thread([&c] {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(c.startedAfterMs));
+                    Sas::SetStatus(c.abilityId, Sas::STARTED);
                 });
             }
-            // "Begin do task" precedes the first attempt, "... again" the second.
-            linesBeforeCall.push_back(capture.Lines().size());
+            PUSH_LOGI("call");
             return c.attempts[calls++];
         };
         auto start = Clock::now();
@@ -195,55 +98,18 @@ TEST_F(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
         if (reporter.joinable()) {
             reporter.join();
         }
-        EXPECT_EQ(static_cast<int>(calls), c.calls) << c.name;
-        EXPECT_EQ(rsp.GetErrAsInt32(), c.err) << c.name;
-        EXPECT_EQ(rsp.GetInnerErr(), c.inner) << c.name;
-        EXPECT_EQ(Entries(capture), c.log) << c.name;
-        for (size_t i = 0; i < linesBeforeCall.size(); ++i) {
-            EXPECT_EQ(linesBeforeCall[i], i + 1) << c.name << ", attempt " << i + 1;
+        Events events;
+        for (const auto& line : capture.Lines()) {
+            events.push_back("???DIWEF"[line.level] + (" " + line.text));
         }
-        EXPECT_GE(waited, std::chrono::milliseconds(c.minPolls * POLL_MS)) << c.name;
+        EXPECT_EQ(rsp.GetInfo(), c.info) << c.name;
+        EXPECT_EQ(rsp.GetSubStatusCode(), c.attempts[calls - 1].GetSubStatusCode()) << c.name;
+        EXPECT_EQ(events, c.events) << c.name;
+        EXPECT_GE(waited, std::chrono::milliseconds(c.polls * POLL_MS)) << c.name;
+        EXPECT_LT(waited, std::chrono::milliseconds((c.polls + 4) * POLL_MS)) << c.name;
     }
-}
-
-TEST_F(SystemAbilityStatusServiceTest, WaitEndsAtTheFirstPollThatSeesTheServiceStarted)
-{
-    // Long polls, so ten of them would be obvious; the report comes within the first one.
-    Sas::SetPollIntervalForTesting(60);
-    Fill({{ANCHOR, Sas::STARTED}, {BUNDLE, Sas::STOPPED}});
-    int calls = 0;
-    std::thread reporter;
-    auto start = Clock::now();
-    PushBaseRsp rsp = Sas::DoSystemAbilityTaskWithRetry(BUNDLE, [&]() {
-        if (calls++ == 0) {
-            reporter = std::thread([] {
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                Sas::SetStatus(BUNDLE, Sas::STARTED);
-            });
-            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL);
-        }
-        return PushBaseRsp();
-    });
-    auto waited = Clock::now() - start;
-    reporter.join();
-    EXPECT_TRUE(rsp.Succeed());
-    EXPECT_EQ(calls, 2);
-    EXPECT_GE(waited, std::chrono::milliseconds(60));
-    EXPECT_LT(waited, std::chrono::milliseconds(5 * 60));
-}
-
-TEST_F(SystemAbilityStatusServiceTest, StoppedResultKeepsDescriptionAndSubStatus)
-{
-    Fill({{ANCHOR, Sas::STARTED}});
-    PushBaseRsp rsp = Sas::DoSystemAbilityTaskWithRetry(
-        BUNDLE, [] { return PushBaseRsp(6, PUSH_ERR_INVALID_PARAM, "GetBundleInfo %s", "x"); });
-    EXPECT_EQ(rsp.GetInfo(), "GetBundleInfo x: error(1000900001), innerCode(100000142)");
-    EXPECT_EQ(rsp.GetSubStatusCode(), 6);
-}
-
-TEST_F(SystemAbilityStatusServiceTest, AnEmptyTaskThrows)
-{
-    EXPECT_THROW(Sas::DoSystemAbilityTaskWithRetry(BUNDLE, nullptr), std::bad_function_call);
+    Sas::saStatuss.clear();
+    Sas::SetPollIntervalForTesting(0);
 }
 
 }  // namespace

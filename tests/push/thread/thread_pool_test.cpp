@@ -1,233 +1,300 @@
+// Thread pools: threads start on demand up to the maximum and end at an empty queue, every task runs
+// exactly once, a pool may go while its tasks run. This executable's pthread_create comes before the
+// C library's, so a test can make thread creation inside the library fail.
 #include "kavo/push/thread/thread_pool.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <map>
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <iterator>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
-#include "tests/push/thread/thread_test_util.h"
+static std::atomic<int> g_createsBeforeFailure{-1};  // -1: never fail
+
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attr, void* (*start)(void*), void* arg)
+{
+    using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    static const Create next = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+    int left = g_createsBeforeFailure.load();
+    if (left > 0) {
+        g_createsBeforeFailure.store(left - 1);
+    }
+    return left == 0 ? EAGAIN : next(thread, attr, start, arg);
+}
 
 namespace {
 
-using Kavo::Push::PushThreadWorker;
-using Kavo::Push::ThreadPool;
-using KavoTest::Gate;
-using KavoTest::ThreadTracker;
+#ifdef __SANITIZE_THREAD__
+constexpr size_t STRESS_TASKS = 20000;  // ThreadSanitizer tracks every lock: races need interleavings, not volume
+#else
+constexpr size_t STRESS_TASKS = 1000000;
+#endif
+
+using namespace Kavo::Push;
 using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
-// Every test ends with no worker thread left, so the next one starts from the same count.
-class ThreadPoolTest : public testing::Test {
-protected:
-    void SetUp() override { baseline_ = KavoTest::LiveThreadCount(); }
-    void TearDown() override { EXPECT_TRUE(KavoTest::WaitForThreadCount(baseline_)); }
+// Polls until `done` holds or the time is up; gives the last answer.
+template <typename Done>
+bool WaitUntil(Done done, std::chrono::seconds timeout = 30s)
+{
+    for (auto deadline = Clock::now() + timeout; !done() && Clock::now() < deadline;) {
+        std::this_thread::sleep_for(1ms);
+    }
+    return done();
+}
 
-    std::unique_ptr<ThreadPool> MakePool(const std::string& name, unsigned long maxThreads)
+// Threads of this process. The first call starts and joins one thread, so helper threads that a
+// runtime starts with the first thread (ThreadSanitizer has one) are in every baseline.
+size_t LiveThreadCount()
+{
+    [[maybe_unused]] static const bool warmedUp = (std::thread([] {}).join(), true);
+    std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+// Records what a pool's monitors report. It outlives the threads it watches: going out of scope
+// waits until the process is back to the threads it had (detached threads leave the kernel's list
+// a moment after their last callback).
+class ThreadTracker {
+public:
+    struct Seen {
+        std::vector<int> starts, exits;
+        std::vector<std::string> names;
+        std::weak_ptr<PushThreadWorkerInterface> worker;
+    };
+    ~ThreadTracker()
     {
-        return std::make_unique<ThreadPool>(name, maxThreads, tracker_.OnStart(), tracker_.OnExit());
+        WaitUntil([this] { return LiveThreadCount() == baseline_; });
+    }
+    std::unique_ptr<ThreadPool> Pool(const std::string& name, unsigned long maxThreads)
+    {
+        auto onStart = [this](std::shared_ptr<PushThreadWorkerInterface> const& worker, std::string const& poolName,
+                              int tid) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            seen_.worker = worker, seen_.starts.push_back(tid), seen_.names.push_back(poolName);
+        };
+        auto onExit = [this](std::string const& poolName, int tid) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            seen_.exits.push_back(tid), seen_.names.push_back(poolName);
+        };
+        return std::make_unique<ThreadPool>(name, maxThreads, onStart, onExit);
+    }
+    // Waits until at least `starts` threads started and every one of them ended and left the
+    // process: once every insert has returned, every task inserted has run.
+    bool Quiet(size_t starts = 0)
+    {
+        return WaitUntil([&] {
+            Seen seen = Get();
+            return seen.starts.size() >= starts && seen.exits.size() == seen.starts.size() &&
+                   LiveThreadCount() == baseline_;
+        });
+    }
+    Seen Get()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return seen_;
     }
 
-    size_t baseline_ = 0;
-    ThreadTracker tracker_;
+private:
+    const size_t baseline_ = LiveThreadCount();
+    std::mutex mutex_;
+    Seen seen_;
 };
 
-struct LifecycleCase {
-    const char* name;
-    unsigned long maxThreads;
-    std::vector<int> rounds;  // tasks inserted per round; each round waits until every thread ended
-    size_t starts;
+// A gate tasks wait at until the test opens it.
+struct Gate {
+    std::promise<void> opener;
+    std::shared_future<void> opened = opener.get_future().share();
+    std::atomic<int> waiting{0};
+    void Wait() { waiting.fetch_add(1), opened.wait(); }
 };
 
-TEST_F(ThreadPoolTest, ThreadsStartOnDemandUpToTheMaximumAndEndOnAnEmptyQueue)
+TEST(ThreadPoolTest, ThreadsStartOnDemandUpToTheMaximumCarryingThePoolName)
 {
-    const LifecycleCase cases[] = {
-        {"maximum 0 queues the task and starts no thread", 0, {1}, 0},
-        {"one task brings a pool of four straight up to four threads", 4, {1}, 4},
-        {"a task after every thread ended starts the threads again", 2, {1, 1}, 4},
+    struct Case {
+        const char* name;
+        unsigned long maxThreads;
+        size_t rounds, starts;  // rounds of one task each, every round waiting until every thread ended
     };
-    for (const LifecycleCase& c : cases) {
-        SCOPED_TRACE(c.name);
+    const Case cases[] = {
+        {"maximum 0 queues the task and starts no thread", 0, 1, 0},
+        {"one task brings a pool of four straight up to four threads", 4, 1, 4},
+        {"a task after every thread ended starts the threads again", 2, 2, 4},
+    };
+    const std::string poolName = "push_notification_sender";
+    for (const Case& c : cases) {
         ThreadTracker tracker;
-        ThreadPool pool("lifecycle", c.maxThreads, tracker.OnStart(), tracker.OnExit());
+        auto pool = tracker.Pool(poolName, c.maxThreads);
+        EXPECT_EQ(pool->GetThreadName(), poolName);
         std::mutex mutex;
-        std::vector<int> runnerTids;
-        size_t inserted = 0;
-        size_t idleStarts = 0;
-        for (int round : c.rounds) {
-            for (int i = 0; i < round; ++i) {
-                EXPECT_TRUE(pool.AddTask([&] {
-                    std::lock_guard<std::mutex> lock(mutex);
-                    runnerTids.push_back(KavoTest::CurrentTid());
-                }));
-            }
-            inserted += round;
-            idleStarts += c.maxThreads;
-            ASSERT_TRUE(tracker.Quiet(idleStarts));
+        std::vector<std::pair<int, std::string>> runs;  // thread id and kernel name of each task run
+        for (size_t round = 1; round <= c.rounds; ++round) {
+            EXPECT_TRUE(pool->AddTask([&] {
+                char osName[32] = {0};
+                prctl(PR_GET_NAME, osName, 0, 0, 0);
+                std::lock_guard<std::mutex> lock(mutex);
+                runs.emplace_back(gettid(), osName);
+            }));
+            ASSERT_TRUE(tracker.Quiet(round * c.maxThreads)) << c.name;
         }
         std::this_thread::sleep_for(c.starts == 0 ? 50ms : 0ms);
         std::lock_guard<std::mutex> lock(mutex);
-        EXPECT_EQ(tracker.StartTids().size(), c.starts);
-        EXPECT_EQ(runnerTids.size(), c.starts == 0 ? 0 : inserted);
-        std::vector<int> starts = tracker.StartTids();
-        std::vector<int> exits = tracker.ExitTids();
-        EXPECT_EQ(std::set<int>(starts.begin(), starts.end()), std::set<int>(exits.begin(), exits.end()));
-        for (int tid : runnerTids) {
-            EXPECT_NE(std::find(starts.begin(), starts.end(), tid), starts.end());
-        }
-        for (const std::string& name : tracker.Names()) {
-            EXPECT_EQ(name, "lifecycle");
+        auto seen = tracker.Get();
+        EXPECT_EQ(seen.starts.size(), c.starts) << c.name;
+        EXPECT_EQ(seen.names, std::vector<std::string>(2 * c.starts, poolName)) << c.name;
+        EXPECT_EQ(runs.size(), c.starts == 0 ? 0 : c.rounds) << c.name;
+        for (const auto& [tid, osName] : runs) {
+            EXPECT_NE(std::find(seen.starts.begin(), seen.starts.end(), tid), seen.starts.end()) << c.name;
+            EXPECT_EQ(osName, "push_notificati") << c.name << ": the kernel keeps 15 characters";
         }
     }
 }
 
-TEST_F(ThreadPoolTest, OneThreadRunsItsQueueFirstInFirstOut)
+TEST(ThreadPoolTest, OneThreadRunsItsQueueInOrderCountingTasksWhileItLives)
 {
-    auto pool = MakePool("fifo", 1);
+    ThreadTracker tracker;
+    auto pool = tracker.Pool("fifo", 1);
     Gate gate;
-    std::vector<int> order;
+    std::vector<std::pair<int, unsigned long>> runs;  // task number and the thread's count as it ran
     pool->AddTask([&] { gate.Wait(); });
-    for (int i = 0; i < 100; ++i) {
-        pool->AddTask([&order, i] { order.push_back(i); });
+    for (int i = 0; i < 50; ++i) {
+        pool->AddTask([&, i] { runs.emplace_back(i, tracker.Get().worker.lock()->GetTaskExecNum(gettid())); });
     }
-    gate.Open();
-    ASSERT_TRUE(tracker_.Quiet(1));
-    std::vector<int> expected(100);
-    for (int i = 0; i < 100; ++i) {
-        expected[i] = i;
-    }
-    EXPECT_EQ(order, expected);
-    EXPECT_EQ(tracker_.StartTids().size(), 1u);
-}
-
-struct NameCase {
-    const char* name;
-    const char* poolName;
-    const char* osName;
-};
-
-TEST_F(ThreadPoolTest, WorkerThreadsCarryThePoolName)
-{
-    const NameCase cases[] = {
-        {"a short name is the thread's name", "push_report", "push_report"},
-        {"a long name keeps its first 15 characters", "push_notification_sender", "push_notificati"},
-    };
-    for (const NameCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        ThreadTracker tracker;
-        ThreadPool pool(c.poolName, 1, tracker.OnStart(), tracker.OnExit());
-        EXPECT_EQ(pool.GetThreadName(), c.poolName);
-        char osName[32] = {0};
-        pool.AddTask([&osName] { prctl(PR_GET_NAME, osName, 0, 0, 0); });
-        ASSERT_TRUE(tracker.Quiet(1));
-        EXPECT_STREQ(osName, c.osName);
-    }
-}
-
-TEST_F(ThreadPoolTest, CountsTasksPerLiveThreadAndForgetsEndedThreads)
-{
-    auto pool = MakePool("counter", 1);
-    Gate gate;
-    std::vector<unsigned long> seen;
-    pool->AddTask([&] { gate.Wait(); });
-    for (int i = 0; i < 2; ++i) {
-        pool->AddTask([&] { seen.push_back(tracker_.Worker()->GetTaskExecNum(KavoTest::CurrentTid())); });
-    }
-    ASSERT_TRUE(gate.WaitForWaiters(1));
-    auto worker = tracker_.Worker();
+    ASSERT_TRUE(WaitUntil([&] { return gate.waiting == 1; }));
+    auto seen = tracker.Get();
+    auto worker = seen.worker.lock();
     ASSERT_NE(worker, nullptr);
-    const int tid = tracker_.StartTids().at(0);
-    EXPECT_EQ(worker->GetTaskExecNum(tid), 1u) << "the count rises before the task runs";
-    EXPECT_EQ(worker->GetTaskExecNum(KavoTest::CurrentTid()), 0u) << "a thread that never ran a task";
-    gate.Open();
-    ASSERT_TRUE(tracker_.Quiet(1));
-    EXPECT_EQ(seen, (std::vector<unsigned long>{2, 3}));
-    EXPECT_EQ(worker->GetTaskExecNum(tid), 0u) << "a thread that ended";
-    EXPECT_EQ(tracker_.ExitTids(), (std::vector<int>{tid}));
+    EXPECT_EQ(worker->GetTaskExecNum(seen.starts.at(0)), 1u) << "the count rises before the task runs";
+    EXPECT_EQ(worker->GetTaskExecNum(gettid()), 0u) << "a thread that never ran a task";
+    gate.opener.set_value();
+    ASSERT_TRUE(tracker.Quiet(1));
+    ASSERT_EQ(runs.size(), 50u);
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(runs[i], std::make_pair(i, i + 2ul));
+    }
+    EXPECT_EQ(worker->GetTaskExecNum(seen.starts.at(0)), 0u) << "a thread that ended";
 }
 
-TEST_F(ThreadPoolTest, HooksWrapEveryTaskOfEveryPoolWithItsName)
+TEST(ThreadPoolTest, HooksWrapEveryTaskWithThePoolNameUntilCleared)
 {
     std::mutex mutex;
-    std::map<std::string, std::vector<std::string>> events;
-    auto record = [&](const std::string& pool, const std::string& event) {
+    std::vector<std::string> events;
+    auto record = [&](const std::string& event) {
         std::lock_guard<std::mutex> lock(mutex);
-        events[pool].push_back(event);
+        events.push_back(event);
     };
-    ThreadPool::SetExecCallBack([&](std::string const& name) { record(name, "before"); },
-                                [&](std::string const& name) { record(name, "after"); });
-    {
+    ThreadPool::SetExecCallBack([&](std::string const& name) { record("before " + name); },
+                                [&](std::string const& name) { record("after " + name); });
+    for (const char* name : {"hooked", "plain"}) {
         ThreadTracker tracker;
-        ThreadPool first("first", 1, tracker.OnStart(), tracker.OnExit());
-        ThreadPool second("second", 1, tracker.OnStart(), tracker.OnExit());
-        for (int i = 0; i < 2; ++i) {
-            first.AddTask([&] { record("first", "task"); });
-            second.AddTask([&] { record("second", "task"); });
-        }
-        ASSERT_TRUE(tracker.Quiet(2));
+        auto pool = tracker.Pool(name, 1);
+        pool->AddTask([&] { record("task"); });
+        pool->AddTask([&] { record("task"); });
+        ASSERT_TRUE(tracker.Quiet(1));
+        ThreadPool::SetExecCallBack(nullptr, nullptr);
     }
-    ThreadPool::SetExecCallBack(nullptr, nullptr);
-    const std::vector<std::string> wrapped = {"before", "task", "after", "before", "task", "after"};
-    EXPECT_EQ(events["first"], wrapped);
-    EXPECT_EQ(events["second"], wrapped);
-
-    ThreadTracker tracker;
-    ThreadPool plain("plain", 1, tracker.OnStart(), tracker.OnExit());
-    plain.AddTask([&] { record("plain", "task"); });
-    ASSERT_TRUE(tracker.Quiet(1));
-    EXPECT_EQ(events["plain"], (std::vector<std::string>{"task"})) << "cleared hooks are not called";
+    EXPECT_EQ(events, (std::vector<std::string>{"before hooked", "task", "after hooked", "before hooked", "task",
+                                                "after hooked", "task", "task"}));
 }
 
-TEST_F(ThreadPoolTest, APoolDestroyedWhileItsTasksRunLetsThemAndTheQueueFinish)
+TEST(ThreadPoolTest, APoolDestroyedWhileItsTasksRunLetsThemAndTheQueueFinish)
 {
-    auto pool = MakePool("orphan", 2);
+    ThreadTracker tracker;
+    auto pool = tracker.Pool("orphan", 2);
     Gate gate;
     std::atomic<int> finished{0};
-    for (int i = 0; i < 2; ++i) {
-        pool->AddTask([&] {
-            gate.Wait();
-            finished.fetch_add(1);
-        });
+    for (int i = 0; i < 22; ++i) {
+        pool->AddTask([&] { gate.Wait(), finished.fetch_add(1); });  // two threads: two tasks wait
     }
-    for (int i = 0; i < 20; ++i) {
-        pool->AddTask([&] { finished.fetch_add(1); });
-    }
-    ASSERT_TRUE(gate.WaitForWaiters(2));
-    std::weak_ptr<Kavo::Push::PushThreadWorkerInterface> worker = tracker_.Worker();
+    ASSERT_TRUE(WaitUntil([&] { return gate.waiting == 2; }));
+    std::weak_ptr<PushThreadWorkerInterface> worker = tracker.Get().worker;
     pool.reset();
     EXPECT_FALSE(worker.expired()) << "running threads keep the worker";
-    gate.Open();
-    ASSERT_TRUE(tracker_.Quiet(2));
+    gate.opener.set_value();
+    ASSERT_TRUE(tracker.Quiet(2));
     EXPECT_EQ(finished.load(), 22);
-    EXPECT_TRUE(KavoTest::WaitForThreadCount(baseline_));
     EXPECT_TRUE(worker.expired()) << "the last thread let the worker go";
 }
 
-// Calls InsertTask on the worker when destroyed, as a task's captured state may do.
-struct Reinserter {
-    PushThreadWorker* worker;
-    std::atomic<int>* result;
-    ~Reinserter() { result->store(worker->InsertTask([] {}) ? 1 : 0); }
-};
-
-TEST_F(ThreadPoolTest, InsertTaskIsRefusedOnceDestructionHasBegun)
+TEST(ThreadPoolTest, QueuedTasksAreDiscardedAndInsertsRefusedOnceDestructionHasBegun)
 {
     std::atomic<int> result{-1};
-    std::weak_ptr<int> queuedState;
-    {
-        auto worker = std::make_shared<PushThreadWorker>("refuse", 0, 0);
-        auto state = std::make_shared<int>(0);
-        queuedState = state;
-        auto reinserter = std::make_shared<Reinserter>(Reinserter{worker.get(), &result});
-        EXPECT_TRUE(worker->InsertTask([reinserter, state] {}));
-    }
+    auto worker = std::make_shared<PushThreadWorker>("refuse", 0, 0);
+    // Captured state that inserts a task when it goes, as a task's captures may do.
+    std::shared_ptr<void> state(nullptr, [&result, w = worker.get()](void*) { result = w->InsertTask([] {}); });
+    std::weak_ptr<void> queued = state;
+    EXPECT_TRUE(worker->InsertTask([state] {}));
+    state.reset();
+    worker.reset();
     EXPECT_EQ(result.load(), 0) << "the task discarded by the destructor could not queue another";
-    EXPECT_TRUE(queuedState.expired()) << "queued tasks are discarded, not leaked";
+    EXPECT_TRUE(queued.expired()) << "queued tasks are discarded, not leaked";
+}
+
+// The threads that did start are counted, so the pool neither stalls (count too high) nor wraps
+// below zero when they end (count too low).
+TEST(ThreadPoolTest, AThreadThatCannotBeCreatedThrowsAndOnlyTheStartedOnesAreCounted)
+{
+    const std::pair<unsigned long, int> cases[] = {{3, 0}, {3, 1}, {4, 3}};  // maximum, creations that succeed
+    for (const auto& [maxThreads, creations] : cases) {
+        ThreadTracker tracker;
+        auto pool = tracker.Pool("fail", maxThreads);
+        std::atomic<int> ran{0};
+        g_createsBeforeFailure.store(creations);
+        EXPECT_THROW(pool->AddTask([&ran] { ran.fetch_add(1); }), std::system_error);
+        g_createsBeforeFailure.store(-1);
+        ASSERT_TRUE(tracker.Quiet(creations));
+        EXPECT_EQ(ran.load(), creations == 0 ? 0 : 1) << creations << ": the task stayed queued";
+        EXPECT_TRUE(pool->AddTask([&ran] { ran.fetch_add(1); }));
+        ASSERT_TRUE(tracker.Quiet(creations + maxThreads));
+        EXPECT_EQ(tracker.Get().starts.size(), creations + maxThreads) << "the next task starts the maximum again";
+        EXPECT_EQ(ran.load(), 2);
+    }
+}
+
+// STRESS_TASKS tasks over several pools fed from several threads.
+TEST(ThreadPoolTest, EveryTaskOfAStressRunRunsExactlyOnce)
+{
+    const size_t total = STRESS_TASKS / 2;
+    const std::pair<std::vector<unsigned long>, size_t> cases[] = {{{1, 2, 3, 4}, 4}, {{8, 8}, 3}};
+    for (const auto& [poolSizes, producers] : cases) {
+        std::vector<std::atomic<unsigned char>> runs(total);
+        ThreadTracker tracker;
+        std::vector<std::unique_ptr<ThreadPool>> pools;
+        for (size_t i = 0; i < poolSizes.size(); ++i) {
+            pools.push_back(tracker.Pool("stress" + std::to_string(i), poolSizes[i]));
+        }
+        std::vector<std::thread> feeders;
+        for (size_t p = 0; p < producers; ++p) {
+            feeders.emplace_back([&, p, step = producers] {
+                for (size_t i = p; i < total; i += step) {
+                    auto task = [&runs, i] { runs[i].fetch_add(1); };
+                    EXPECT_TRUE(pools[i % pools.size()]->AddTask(task));
+                }
+            });
+        }
+        for (std::thread& feeder : feeders) {
+            feeder.join();
+        }
+        pools.clear();  // the threads drain the queues first
+        ASSERT_TRUE(tracker.Quiet()) << "a worker thread outlived the work";
+        EXPECT_EQ(std::count_if(runs.begin(), runs.end(), [](auto& n) { return n.load() != 1; }), 0)
+            << "tasks run other than exactly once";
+    }
 }
 
 }  // namespace
