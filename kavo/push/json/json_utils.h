@@ -23,7 +23,8 @@ public:
     // Indented text (the writer's default indentation); characters outside ASCII stay UTF-8.
     static void Json2Str(const Json::Value& root, std::string& text);
     // Compact text on one line; characters outside ASCII stay UTF-8. Comments kept from a
-    // parsed text are left out (the indented form keeps them).
+    // parsed text are written too, as in the indented form, so a commented value's one-line
+    // text does not read back.
     static std::string Json2Str(const Json::Value& root);
 
     // Typed reads: `value` receives the member `key` of the object `root` when it has the
