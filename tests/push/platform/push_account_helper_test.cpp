@@ -20,7 +20,6 @@ using Kavo::AccountSA::ForegroundOsAccount;
 using Kavo::Push::PushAccountHelper;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushDistributeAccountHelper;
-using ::testing::Invoke;
 using Status = Kavo::Push::SystemAbilityStatusService;
 using Code = std::function<int32_t()>;
 
@@ -43,41 +42,31 @@ std::vector<RetriedOp> RetriedOps()
     static bool verified = false;
     return {
         {"QueryActiveOsAccountIds",
-         [](MockAccountService& m, Code code) {
-             EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(Invoke([code](auto&) { return code(); }));
-         },
+         [](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::QueryActiveOsAccountIds(ids); }, "QueryActiveOsAccountIds",
          "query active os accountIds fail: account sa not started", "query active accountId fail: 2",
          "query active accountId fail: 2"},
         {"GetForegroundOsAccounts",
-         [](MockAccountService& m, Code code) {
-             EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(Invoke([code](auto&) { return code(); }));
-         },
+         [](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::GetForegroundOsAccounts(ids); }, nullptr,
          "getForegroundOsAccounts fail: account sa not started", "get foreground accountId failed 2",
          "get foreground accountId failed 2"},
         {"GetForegroundOsAccountLocalId",
-         [](MockAccountService& m, Code code) {
-             EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(Invoke([code](int& id) {
-                 id = 101;
-                 return code();
-             }));
+         [](auto& m, Code code) {
+             EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly([code](int& id) { return id = 101, code(); });
          },
          [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); }, "GetForegroundOsAccountLocalId",
          "GetForegroundOsAccountLocalId fail: current userId not obtain",
          "GetForegroundOsAccountLocalId retry failed: 2, localId: 101", "the os account verifie fail: 2, localId: 101"},
         {"IsOsAccountVerified",
-         [](MockAccountService& m, Code code) {
+         [](auto& m, Code code) {
              EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(DoAll(SetArgReferee<0>(100), Return(0)));
-             EXPECT_CALL(m, IsOsAccountVerified(100, _)).WillRepeatedly(Invoke([code](int, bool&) { return code(); }));
+             EXPECT_CALL(m, IsOsAccountVerified(100, _)).WillRepeatedly(code);
          },
          [] { return PushAccountHelper::IsOsAccountVerified(verified); }, "IsOsAccountVerified",
          "isOsAccountVerified fail: account sa not started", "isOsAccountVerified retry failed: 2, userId: 100",
          "the os account verifie fail: 2, userId: 100"},
-        {"GetCurrAccountId",
-         [](MockAccountService& m, Code code) {
-             EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(Invoke([code](int&) { return code(); }));
-         },
+        {"GetCurrAccountId", [](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
          [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); }, nullptr,
          "get os account localId fail: account sa not started", "Get os accountId failed", "Get os accountId failed"},
     };
@@ -161,11 +150,7 @@ TEST_F(AccountQueryTest, ForegroundAccountsAreAppendedToWhatTheCallerHeld)
 
 TEST_F(AccountQueryTest, UnverifiableForegroundAccountCountsAsVerified)
 {
-    struct Case {
-        int32_t code;
-        int answeredId;
-        std::string desc;
-    };
+    struct Case { int32_t code; int answeredId; std::string desc; };
     const Case cases[] = {
         {5, 100, "IsOsAccountVerified failed: userId is 100, desc is the os account verifie fail: 5, localId: 100: "
                  "error(1000900001)"},

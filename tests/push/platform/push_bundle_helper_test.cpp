@@ -1,30 +1,40 @@
-// The package queries against a GoogleMock package manager: the exact requests, the mapping of
-// each failure code, and each query's texts when the package manager cannot be had.
+// The package and process queries against GoogleMock managers: the exact requests, the mapping
+// of each failure code, and each query's texts when its manager cannot be had.
 #include "kavo/push/platform/push_bundle_helper.h"
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <functional>
 #include <optional>
 
 #include "tests/push/platform/platform_mocks.h"
+#include "tests/support/test_support.h"
 
 namespace KavoTest {
 namespace {
 
+using Kavo::Push::ClientUserInfo;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushBundleHelper;
 using T = ExtensionAbilityType;
 
 constexpr int USER = 100;
-constexpr int32_t BUNDLE_ID = 401;
+constexpr int32_t BUNDLE_ID = 401, APP_ID = 501;
 const std::string MAIL = "com.example.mail";
-const std::string LOOKUP = "get bms fail: bms sa not started: error(1000900001)";
+
+// What a missing manager adds: the lookup's text and the two lines logged on the way.
+struct Lookup { std::string info, line, passOn; };
+const Lookup BMS{"get bms fail: bms sa not started: error(1000900001)", "Get bms fail: bms sa not started",
+                 "Get bundle mgr fail: get bms fail: bms sa not started: error(1000900001)"};
+const Lookup AMS{"get ams fail: ams sa not started: error(1000900001)", "get ams fail: ams sa not started",
+                 "Get app mgr fail: get ams fail: ams sa not started: error(1000900001)"};
 
 class BundleQueryTest : public ::testing::Test {
 protected:
     ScopedReadiness readiness_;
     std::optional<ScopedBundleMgr> bms_{std::in_place, BUNDLE_ID};
+    std::optional<ScopedAppMgr> ams_{std::in_place, APP_ID};
     Kavo::LogCapture cap_;
     Want want_;
     std::vector<ExtensionAbilityInfo> extensions_;
@@ -33,99 +43,128 @@ protected:
     ApplicationInfo app_;
     BundleInfo bundle_;
     std::string name_;
-    int value_ = 0;
+    int value_ = 0, pid_ = 0, state_ = 0;
+    bool flag_ = false;
+    unsigned char flags_ = 0;
 };
 
-// Each query meets a failing package manager, then no package manager at all: its result and log lines.
+// Each query meets its manager answering a failure code, then no manager at all.
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
-    struct Case {
-        const char* name;
-        std::function<void(MockBundleMgr&)> arrange;
-        std::function<PushBaseRsp()> act;
-        int err;
-        std::string desc, log, noMgrLog;
-    };
+    using Arrange = std::function<void(MockBundleMgr&, MockAppMgr&)>;
+    struct Case { const char* name; Arrange arrange; std::function<PushBaseRsp()> act; int err; std::string desc, log;
+                  const Lookup* mgr; std::string noMgrLog; };
+    Arrange processes6 = [](auto&, auto& a) { EXPECT_CALL(a, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
-        {"extension by want: does not exist", [](auto& m) {
-             EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
+        {"extension by want: does not exist",
+         [](auto& m, auto&) { EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
-         "query extension fail:7", "query extension fail:7", "Get Bundle Mgr Fail"},
-        {"extension by type: passes type and flags", [](auto& m) {
-             EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
+         "query extension fail:7", "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
+        {"extension by type: passes type and flags",
+         [](auto& m, auto&) { EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); },
-         1000900001, "Query extension ability info failed:-5", "Query extension ability info failed:-5",
+         1000900001, "Query extension ability info failed:-5", "Query extension ability info failed:-5", &BMS,
          "Get Bundle Mgr Fail"},
-        {"abilities", [](auto& m) { EXPECT_CALL(m, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
+        {"abilities", [](auto& m, auto&) { EXPECT_CALL(m, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
          [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
-         "Query ability infos failed:9", "Query Ability InfosV9 Fail", "get bundle mgr fail"},
-        {"one ability", [](auto& m) { EXPECT_CALL(m, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
+         "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
+        {"one ability", [](auto& m, auto&) { EXPECT_CALL(m, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
          [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
-         "query ability info failed", "query ability info failed", "Get Bundle Mgr Fail:" + LOOKUP},
-        {"application", [](auto& m) {
-             EXPECT_CALL(m, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false)); },
+         "query ability info failed", "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
+        {"application",
+         [](auto& m, auto&) {
+             EXPECT_CALL(m, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
+         },
          [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); },
-         1000900001, "Get application info fail", "Get application info fail", "Get Bundle Mgr Fail"},
-        {"name for uid", [](auto& m) { EXPECT_CALL(m, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
+         1000900001, "Get application info fail", "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
+        {"name for uid", [](auto& m, auto&) { EXPECT_CALL(m, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001,
-         "Get name for uid fail: 8521225", "Get name for uid fail: 8521225", "Get Bundle Mgr Fail"},
+         "Get name for uid fail: 8521225", "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
         {"uid for name: an unknown bundle's -1 is a success",
-         [](auto& m) { EXPECT_CALL(m, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
-         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", "",
+         [](auto& m, auto&) { EXPECT_CALL(m, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
+         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", "", &BMS,
          "Get Bundle Mgr Fail"},
-        {"bundle record", [](auto& m) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
+        {"bundle record", [](auto& m, auto&) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
          [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
-         "GetBundleInfoV9 failed ret:8521220", "GetBundleInfoV9 get bundle mgr fail"},
-        {"app index", [](auto& m) { EXPECT_CALL(m, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
+         "GetBundleInfoV9 failed ret:8521220", &BMS, "GetBundleInfoV9 get bundle mgr fail"},
+        {"app index", [](auto& m, auto&) { EXPECT_CALL(m, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
          [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12",
-         "Get appIndex faild: 12", "get bundle mgr fail"},
-        {"installed", [](auto& m) { EXPECT_CALL(m, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
+         "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
+        {"installed", [](auto& m, auto&) { EXPECT_CALL(m, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1,
-         "Get install status failed, 5", "", "get bundle mgr fail"},
-        {"installed V9", [](auto& m) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
+         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+        {"installed V9", [](auto& m, auto&) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
-         "Get install status failed, 5", "", "get bundle mgr fail"},
+         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+        {"running", processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
+         "check if app running, get running process info fail: 6", "Get running process info fail: :6", &AMS,
+         "Get app mgr fail :" + AMS.info},
+        {"foreground", processes6,
+         [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, 20010042}, pid_, flag_, false); },
+         1000900001, "check if app foreground, get running process info fail: 6",
+         "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
+        {"child", processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, 20010042, pid_); },
+         1000900001, "check if child pid, get running process info fail: 6",
+         "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+        {"parent", processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, 20010042, pid_); },
+         1000900001, "check if parent pid, get running process info fail: 6",
+         "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+        {"state", processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
+         1000900001, "get app process state, get running process info fail: 6",
+         "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         bms_.emplace(BUNDLE_ID);
+        ams_.emplace(APP_ID);
         cap_.Clear();
-        c.arrange(**bms_);
+        c.arrange(**bms_, **ams_);
         PushBaseRsp rsp = c.act();
         EXPECT_EQ(rsp.GetErr(), c.err);
         EXPECT_EQ(rsp.GetErrDescription(), c.desc);
         EXPECT_TRUE(c.log.empty() || HasLine(cap_, c.log));
         bms_.reset();
+        ams_.reset();
         cap_.Clear();
-        EXPECT_EQ(c.act().GetInfo(), LOOKUP);
-        EXPECT_TRUE(HasLine(cap_, "Get bms fail: bms sa not started"));
-        EXPECT_TRUE(HasLine(cap_, "Get bundle mgr fail: " + LOOKUP));
-        EXPECT_TRUE(HasLine(cap_, c.noMgrLog));
+        EXPECT_EQ(c.act().GetInfo(), c.mgr->info);
+        EXPECT_EQ(std::vector<bool>({HasLine(cap_, c.mgr->line), HasLine(cap_, c.mgr->passOn), HasLine(cap_, c.noMgrLog)}),
+                  std::vector<bool>(3, true));
     }
     EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).second, -1);
+    EXPECT_EQ(state_, -1);
+    EXPECT_EQ(pid_, INT_MIN);
     int ret = 3;
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 0, ret).name.empty());
     EXPECT_EQ(ret, 3) << "no manager: the code is left as it was";
+    ClientUserInfo info;
+    EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(info).GetErrDescription(), "get bms fail: bms sa not started");
+    EXPECT_TRUE(HasLine(cap_, "Get BundleMgr failed, ret: 1000900001"));
     bms_.emplace(BUNDLE_ID);
     EXPECT_CALL(**bms_, GetNameAndIndexForUid(1, _, _)).WillOnce(Return(12));
     EXPECT_EQ(PushBundleHelper::GetAppIndex(1, value_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
 }
 
+// The extension check answers false either way, with an exception report instead of a result.
+TEST_F(BundleQueryTest, ExtensionProcessCheckReportsItsFailures)
+{
+    ReportRecorder reports;
+    EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6));
+    EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
+    auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
+    samgr.SetManagerAvailable(false);
+    EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
+    samgr.SetManagerAvailable(true);
+    EXPECT_EQ(reports.Reports(), (std::vector<std::pair<int, std::string>>{
+                                     {100002017, "get running process information ret(6)"},
+                                     {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
+}
+
 TEST_F(BundleQueryTest, InstalledStatusDistinguishesMissingBundleFromPlatformFailure)
 {
-    struct Case {
-        const char* name;
-        bool v9;
-        int32_t code;
-        bool installedFlag;
-        int status, err;
-        std::string desc;
-    };
+    struct Case { const char* name; bool v9; int32_t code; bool installedFlag; int status, err; std::string desc; };
     const Case cases[] = {
         {"V9: a missing bundle is not installed", true, 8521220, false, 0, -1, "bundle is not installed"},
-        {"V9: an installed bundle gives its uid", true, 0, false, 1, 0, ""},
         {"flag: false is not installed, no text", false, 0, false, 0, -1, ""},
-        {"flag: true is installed", false, 0, true, 1, 0, ""},
     };
     BundleInfo answer;
     answer.uid = 20010042;
@@ -160,10 +199,7 @@ TEST_F(BundleQueryTest, InstalledStatusDistinguishesMissingBundleFromPlatformFai
 
 TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
 {
-    struct Case {
-        bool asan, tsan, gwp, hwasan;
-        unsigned char flags;
-    };
+    struct Case { bool asan, tsan, gwp, hwasan; unsigned char flags; };
     const Case cases[] = {{false, false, false, false, 0}, {true, false, false, false, 1},
                           {false, false, false, true, 8}, {true, true, true, true, 15}};
     for (const auto& c : cases) {
@@ -196,11 +232,7 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
 
 TEST_F(BundleQueryTest, AbilityLookupsBuildTheirWantAndTakeTheFirstAbility)
 {
-    struct Case {
-        const char* name;
-        std::function<PushBaseRsp(AbilityInfo&)> act;
-        std::function<bool(const Want&)> wantIs;
-    };
+    struct Case { const char* name; std::function<PushBaseRsp(AbilityInfo&)> act; std::function<bool(const Want&)> wantIs; };
     const Case cases[] = {
         {"by action", [](auto& i) { return PushBundleHelper::GetAbilityByAction(MAIL, "kavo.action.compose", USER, i); },
          [](const Want& w) { return w.GetAction() == "kavo.action.compose"; }},
@@ -218,34 +250,21 @@ TEST_F(BundleQueryTest, AbilityLookupsBuildTheirWantAndTakeTheFirstAbility)
         auto wantIs = [&c](const Want& w) { return w.GetBundle() == MAIL && c.wantIs(w); };
         EXPECT_CALL(**bms_, QueryAbilityInfosV9(::testing::Truly(wantIs), 0, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(two), Return(0)))
-            .WillOnce(Return(0))
-            .WillOnce(Return(3));
+            .WillOnce(Return(0));
         AbilityInfo info;
         EXPECT_TRUE(c.act(info).Succeed());
         EXPECT_EQ(info.name, "First");
         info.name = "kept";
         EXPECT_TRUE(c.act(info).Succeed()) << "an empty answer is still a success";
-        EXPECT_EQ(c.act(info).GetErrDescription(), "Query ability infos failed:3");
         EXPECT_EQ(info.name, "kept");
-        bms_->Verify();
     }
 }
 
 TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
 {
-    auto ext = [](T type, int index) {
-        ExtensionAbilityInfo e;
-        e.type = type;
-        e.appIndex = index;
-        return e;
-    };
-    struct Case {
-        const char* name;
-        std::vector<ExtensionAbilityInfo> answer;
-        int32_t code;
-        int appIndex, err;
-        std::string desc;
-    };
+    auto ext = [](T type, int index) { ExtensionAbilityInfo e; e.type = type, e.appIndex = index; return e; };
+    struct Case { const char* name; std::vector<ExtensionAbilityInfo> answer; int32_t code, appIndex, err;
+                  std::string desc; };
     const Case cases[] = {
         {"first entry of the type", {ext(T::PUSH, 0)}, 0, 0, 0, ""},
         {"a match after another type does not count", {ext(T::SERVICE, 0), ext(T::PUSH, 0)}, 0, 0, 1000900002, ""},
@@ -268,12 +287,8 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
 
 TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 {
-    struct Case {
-        std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground;
-        int32_t foregroundCode, queryCode;  // queryCode -1: no query expected
-        int err;
-        std::string desc, log;
-    };
+    struct Case { std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground; int32_t foregroundCode, queryCode;
+                  int err; std::string desc, log; };  // queryCode -1: no query expected
     const Case cases[] = {
         {{}, 0, -1, 401, "Ids is empty, unable to get userId", "Ids is empty, unable to get userId"},
         {{}, 3, -1, 1000900001, "get foreground accountId failed 3", "GetForegroundOsAccounts check fail"},
@@ -322,11 +337,7 @@ TEST(NoBundleMgrTest, LookupFailsOnEachMissingPiece)
     Kavo::LogCapture cap;
     auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
     auto foreign = Kavo::AsRemoteObject<IAppMgr>(Kavo::MakeSptr<MockAppMgr>());
-    struct Case {
-        std::function<void()> arrange, restore;
-        std::string desc, log;
-        int inner;
-    };
+    struct Case { std::function<void()> arrange, restore; std::string desc, log; int inner; };
     const Case cases[] = {
         {[&] { samgr.SetManagerAvailable(false); }, [&] { samgr.SetManagerAvailable(true); }, "get samgr fail",
          "get samgr fail", PushBaseRsp::NOT_SET},

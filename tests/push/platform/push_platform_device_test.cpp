@@ -171,47 +171,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
     EXPECT_EQ(events_.Take(), Events{});
 }
 
-// Each query meets its service answering a chosen code, once.
-TEST_F(DeviceQueryTest, ChosenCodesReachTheCallerAsEachQuerysResult)
-{
-    struct Case {
-        int service;
-        const char* operation;
-        int32_t code;
-        std::function<PushBaseRsp()> act;
-        int err;
-        std::string desc;
-    };
-    BundleInfo bundle;
-    ClientUserInfo info;
-    const Case cases[] = {
-        {401, "GetBundleInfoV9", 5, [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle); }, -1,
-         "Get RimoBundleInfo, 5"},
-        {401, "GetBundleInfoV9", 5, [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, n_).first; }, -1,
-         "Get install status failed, 5"},
-        {401, "GetNameAndIndexForUid", 9, [&] { return PushBundleHelper::GetIpcClientUserInfo(info); }, -1,
-         "get uid, bundle name, appIndex fail:9"},
-        {501, "GetRunningProcessInformation", 3, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, b_, 0); },
-         1000900001, "check if app running, get running process info fail: 3"},
-        {200, "QueryActiveOsAccountIds", 2, [&] { return PushAccountHelper::QueryActiveOsAccountIds(ids_); },
-         1000900001, "query active accountId fail: 2"},
-        {200, "GetOsAccountLocalIdFromProcess", 5, [&] { return PushBundleHelper::GetCurrAccountId(n_); }, 1000900001,
-         "Get os accountId failed"},
-        {200, "IsOsAccountVerified", 6, [&] { return PushAccountHelper::IsOsAccountVerified(b_); }, 1000900001,
-         "the os account verifie fail: 6, userId: 100"},
-        {200, "GetKavoAccountInfo", 4, [&] { return PushDistributeAccountHelper::GetOsDistributedId(text_); },
-         1000900001, "Get os account distributed id failed:4"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.operation);
-        device_.SetReturnCode(c.service, c.operation, c.code);
-        PushBaseRsp rsp = c.act();
-        EXPECT_EQ(rsp.GetErr(), c.err);
-        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_NE(c.act().GetErrDescription(), c.desc) << "the code was answered once";
-    }
-}
-
 TEST_F(DeviceQueryTest, AccountServiceComingUpLateIsWaitedFor)
 {
     // The push service's owner tracks service readiness from the registry's announcements.

@@ -41,12 +41,7 @@ protected:
 
 TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
 {
-    struct Case {
-        int duration;
-        bool wakeup;
-        int type;
-        uint64_t deadline;
-    };
+    struct Case { int duration; bool wakeup; int type; uint64_t deadline; };
     const Case cases[] = {{30, false, 1 | 4, BOOT_MS + 30000}, {30, true, 1 | 2 | 4, BOOT_MS + 30000},
                           {0, false, 5, BOOT_MS}, {3000000, false, 5, BOOT_MS + 3000000000ULL}};
     uint64_t id = 41;
