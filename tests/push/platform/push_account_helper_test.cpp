@@ -16,7 +16,6 @@
 namespace KavoTest {
 namespace {
 
-using Kavo::AccountSA::ForegroundOsAccount;
 using Kavo::Push::PushAccountHelper;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushDistributeAccountHelper;
@@ -136,16 +135,6 @@ TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
             EXPECT_TRUE(HasLine(cap_, op.notStarted));
         }
     }
-}
-
-TEST_F(AccountQueryTest, ForegroundAccountsAreAppendedToWhatTheCallerHeld)
-{
-    ScopedAccountService service{ACCOUNT};
-    std::vector<ForegroundOsAccount> foreground{{100, 0}, {101, 1}};
-    EXPECT_CALL(*service, GetForegroundOsAccounts(_)).WillOnce(DoAll(SetArgReferee<0>(foreground), Return(0)));
-    std::vector<int> ids{7};
-    EXPECT_TRUE(PushAccountHelper::GetForegroundOsAccounts(ids).Succeed());
-    EXPECT_EQ(ids, (std::vector<int>{7, 100, 101}));
 }
 
 TEST_F(AccountQueryTest, UnverifiableForegroundAccountCountsAsVerified)

@@ -1,5 +1,6 @@
-// The package and process queries against GoogleMock managers: the exact requests, the mapping
-// of each failure code, and each query's texts when its manager cannot be had.
+// The package, process and caller queries against GoogleMock managers: the exact requests, which
+// process of a list each query picks, each failure code's texts, and each query's texts when its
+// manager cannot be had.
 #include "kavo/push/platform/push_bundle_helper.h"
 
 #include <gtest/gtest.h>
@@ -8,20 +9,30 @@
 #include <functional>
 #include <optional>
 
+#include "kavo/host/ipc/ipc_skeleton.h"
 #include "tests/push/platform/platform_mocks.h"
 #include "tests/support/test_support.h"
 
 namespace KavoTest {
 namespace {
 
-using Kavo::Push::ClientUserInfo;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushBundleHelper;
+using S = AppProcessState;
 using T = ExtensionAbilityType;
 
-constexpr int USER = 100;
+constexpr int USER = 100, UID = 20010042, OTHER = 20010077;
 constexpr int32_t BUNDLE_ID = 401, APP_ID = 501;
 const std::string MAIL = "com.example.mail";
+
+RunningProcessInfo P(int pid, int uid, S state, ProcessType type = ProcessType::NORMAL, T ext = T::UNSPECIFIED)
+{
+    RunningProcessInfo p;
+    p.pid = pid, p.uid = uid, p.state = state, p.processType = type, p.extensionType = ext;
+    return p;
+}
+
+RunningProcessInfo E(int pid, int uid, S state, T ext) { return P(pid, uid, state, ProcessType::EXTENSION, ext); }
 
 // What a missing manager adds: the lookup's text and the two lines logged on the way.
 struct Lookup { std::string info, line, passOn; };
@@ -32,9 +43,17 @@ const Lookup AMS{"get ams fail: ams sa not started: error(1000900001)", "get ams
 
 class BundleQueryTest : public ::testing::Test {
 protected:
+    BundleQueryTest() { Kavo::IPCSkeleton::SetCallingUid(UID); }
+    ~BundleQueryTest() override { Kavo::IPCSkeleton::ResetCallingUid(); }
+    void Answer(const std::vector<RunningProcessInfo>& list)
+    {
+        EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
+    }
+
     ScopedReadiness readiness_;
     std::optional<ScopedBundleMgr> bms_{std::in_place, BUNDLE_ID};
     std::optional<ScopedAppMgr> ams_{std::in_place, APP_ID};
+    ScopedAccountService accounts_{200};
     Kavo::LogCapture cap_;
     Want want_;
     std::vector<ExtensionAbilityInfo> extensions_;
@@ -42,6 +61,7 @@ protected:
     AbilityInfo ability_;
     ApplicationInfo app_;
     BundleInfo bundle_;
+    Kavo::Push::ClientUserInfo caller_;
     std::string name_;
     int value_ = 0, pid_ = 0, state_ = 0;
     bool flag_ = false;
@@ -51,62 +71,71 @@ protected:
 // Each query meets its manager answering a failure code, then no manager at all.
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
-    using Arrange = std::function<void(MockBundleMgr&, MockAppMgr&)>;
-    struct Case { const char* name; Arrange arrange; std::function<PushBaseRsp()> act; int err; std::string desc, log;
-                  const Lookup* mgr; std::string noMgrLog; };
-    Arrange processes6 = [](auto&, auto& a) { EXPECT_CALL(a, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
+    struct Case { const char* name; std::function<void()> arrange; std::function<PushBaseRsp()> act; int err;
+                  std::string desc, log; const Lookup* mgr; std::string noMgrLog; };
+    auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
         {"extension by want: does not exist",
-         [](auto& m, auto&) { EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
+         [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
          "query extension fail:7", "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
         {"extension by type: passes type and flags",
-         [](auto& m, auto&) { EXPECT_CALL(m, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
+         [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); },
          1000900001, "Query extension ability info failed:-5", "Query extension ability info failed:-5", &BMS,
          "Get Bundle Mgr Fail"},
-        {"abilities", [](auto& m, auto&) { EXPECT_CALL(m, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
+        {"abilities", [&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
          [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
          "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
-        {"one ability", [](auto& m, auto&) { EXPECT_CALL(m, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
+        {"one ability", [&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
          [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
          "query ability info failed", "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
         {"application",
-         [](auto& m, auto&) {
-             EXPECT_CALL(m, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
-         },
+         [&] { EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false)); },
          [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); },
          1000900001, "Get application info fail", "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
-        {"name for uid", [](auto& m, auto&) { EXPECT_CALL(m, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
+        {"name for uid", [&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001,
          "Get name for uid fail: 8521225", "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
         {"uid for name: an unknown bundle's -1 is a success",
-         [](auto& m, auto&) { EXPECT_CALL(m, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
+         [&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
          [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", "", &BMS,
          "Get Bundle Mgr Fail"},
-        {"bundle record", [](auto& m, auto&) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
+        {"bundle record", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
          [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
          "GetBundleInfoV9 failed ret:8521220", &BMS, "GetBundleInfoV9 get bundle mgr fail"},
-        {"app index", [](auto& m, auto&) { EXPECT_CALL(m, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
+        {"app index", [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
          [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12",
          "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
-        {"installed", [](auto& m, auto&) { EXPECT_CALL(m, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
+        {"installed", [&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1,
          "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
-        {"installed V9", [](auto& m, auto&) { EXPECT_CALL(m, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
+        {"installed V9", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
          "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+        {"caller: name refused", [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
+         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, -1,
+         "get uid, bundle name, appIndex fail:8521225", "Get uid 20010042, appIndex, bundle name failed, ret:8521225",
+         &BMS, "Get BundleMgr failed, ret: 1000900001"},
+        {"caller: account refused",
+         [&] {
+             EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
+             EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
+         },
+         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, 1000900001,
+         "Get accountId local id from uid failed 4194323", "Get uid 20010042 userId failed, ret 1000900001", &BMS,
+         "Get BundleMgr failed, ret: 1000900001"},
         {"running", processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
          "check if app running, get running process info fail: 6", "Get running process info fail: :6", &AMS,
          "Get app mgr fail :" + AMS.info},
         {"foreground", processes6,
-         [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, 20010042}, pid_, flag_, false); },
+         [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false); },
          1000900001, "check if app foreground, get running process info fail: 6",
          "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {"child", processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, 20010042, pid_); },
+        {"child", processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); },
          1000900001, "check if child pid, get running process info fail: 6",
          "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {"parent", processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, 20010042, pid_); },
+        {"parent", processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); },
          1000900001, "check if parent pid, get running process info fail: 6",
          "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
         {"state", processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
@@ -118,7 +147,7 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         bms_.emplace(BUNDLE_ID);
         ams_.emplace(APP_ID);
         cap_.Clear();
-        c.arrange(**bms_, **ams_);
+        c.arrange();
         PushBaseRsp rsp = c.act();
         EXPECT_EQ(rsp.GetErr(), c.err);
         EXPECT_EQ(rsp.GetErrDescription(), c.desc);
@@ -127,21 +156,17 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         ams_.reset();
         cap_.Clear();
         EXPECT_EQ(c.act().GetInfo(), c.mgr->info);
-        EXPECT_EQ(std::vector<bool>({HasLine(cap_, c.mgr->line), HasLine(cap_, c.mgr->passOn), HasLine(cap_, c.noMgrLog)}),
-                  std::vector<bool>(3, true));
+        EXPECT_TRUE(HasLine(cap_, c.mgr->line) && HasLine(cap_, c.mgr->passOn) && HasLine(cap_, c.noMgrLog));
     }
     EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).second, -1);
-    EXPECT_EQ(state_, -1);
-    EXPECT_EQ(pid_, INT_MIN);
+    EXPECT_EQ(std::make_pair(state_, pid_), std::make_pair(-1, INT_MIN));
     int ret = 3;
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 0, ret).name.empty());
     EXPECT_EQ(ret, 3) << "no manager: the code is left as it was";
-    ClientUserInfo info;
-    EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(info).GetErrDescription(), "get bms fail: bms sa not started");
-    EXPECT_TRUE(HasLine(cap_, "Get BundleMgr failed, ret: 1000900001"));
     bms_.emplace(BUNDLE_ID);
-    EXPECT_CALL(**bms_, GetNameAndIndexForUid(1, _, _)).WillOnce(Return(12));
+    EXPECT_CALL(**bms_, GetNameAndIndexForUid(_, _, _)).WillRepeatedly(Return(12));
     EXPECT_EQ(PushBundleHelper::GetAppIndex(1, value_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
+    EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(caller_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
 }
 
 // The extension check answers false either way, with an exception report instead of a result.
@@ -159,40 +184,19 @@ TEST_F(BundleQueryTest, ExtensionProcessCheckReportsItsFailures)
                                      {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
 }
 
-TEST_F(BundleQueryTest, InstalledStatusDistinguishesMissingBundleFromPlatformFailure)
+TEST_F(BundleQueryTest, MissingBundleAndCloneRecordResults)
 {
-    struct Case { const char* name; bool v9; int32_t code; bool installedFlag; int status, err; std::string desc; };
-    const Case cases[] = {
-        {"V9: a missing bundle is not installed", true, 8521220, false, 0, -1, "bundle is not installed"},
-        {"flag: false is not installed, no text", false, 0, false, 0, -1, ""},
-    };
-    BundleInfo answer;
-    answer.uid = 20010042;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        int uid = 7;
-        std::pair<PushBaseRsp, int> result;
-        if (c.v9) {
-            EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(DoAll(SetArgReferee<2>(answer), Return(c.code)));
-            result = PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid);
-            EXPECT_EQ(uid, c.status == 1 ? 20010042 : 7);
-        } else {
-            EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _))
-                .WillOnce(DoAll(SetArgReferee<3>(c.installedFlag), Return(c.code)));
-            result = PushBundleHelper::GetInstalledStatus(MAIL, USER, 2);
-        }
-        EXPECT_EQ(result.second, c.status);
-        EXPECT_EQ(result.first.GetErr(), c.err);
-        EXPECT_EQ(result.first.GetErrDescription(), c.desc);
-    }
-    BundleInfo clone;
-    clone.appIndex = 2;
-    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 2, _, USER)).WillOnce(DoAll(SetArgReferee<3>(clone), Return(0)));
+    EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220));
+    auto v9 = PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_);
+    EXPECT_EQ(std::make_tuple(v9.second, v9.first.GetErr(), v9.first.GetErrDescription()),
+              std::make_tuple(0, -1, std::string("bundle is not installed")));
+    EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(DoAll(SetArgReferee<3>(false), Return(0)));
+    auto flag = PushBundleHelper::GetInstalledStatus(MAIL, USER, 2);
+    EXPECT_EQ(std::make_tuple(flag.second, flag.first.GetErr(), flag.first.GetErrDescription()),
+              std::make_tuple(0, -1, std::string()));
     EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
-    int ret = -9;
-    EXPECT_EQ(PushBundleHelper::GetBundleInfo(MAIL, USER, 2, ret).appIndex, 2);
-    EXPECT_EQ(ret, 0);
-    EXPECT_EQ(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).appIndex, 0);
+    int ret = 0;
+    EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
     EXPECT_EQ(ret, 8521290);
     EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
 }
@@ -206,58 +210,18 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan, app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
         EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
-        unsigned char flags = 0xff;
-        EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags).Succeed());
-        EXPECT_EQ(flags, c.flags);
+        EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).Succeed());
+        EXPECT_EQ(flags_, c.flags);
     }
-    ApplicationInfo system;
-    system.uid = 1000;
-    system.isSystemApp = true;
-    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
-        .WillOnce(DoAll(SetArgReferee<3>(system), Return(true)))
-        .WillOnce(DoAll(SetArgReferee<3>(system), Return(true)))
-        .WillRepeatedly(Return(false));
-    EXPECT_TRUE(PushBundleHelper::GetAppUidForName(MAIL, USER, value_).Succeed());
-    EXPECT_EQ(value_, 1000);
-    EXPECT_TRUE(PushBundleHelper::IsSystemApp(MAIL, USER));
+    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillRepeatedly(Return(false));
     EXPECT_FALSE(PushBundleHelper::IsSystemApp(MAIL, USER));
     EXPECT_TRUE(HasLine(cap_, "GetApplicationInfo fail, bundleName: com.example.mail, errInfo: "
                               "Get application info fail: error(1000900001)"));
-    unsigned char flags = 0xff;
-    EXPECT_EQ(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags).GetErr(), 1000900001);
-    EXPECT_EQ(flags, 0);
+    flags_ = 0xff;
+    EXPECT_EQ(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).GetErr(), 1000900001);
+    EXPECT_EQ(flags_, 0);
     EXPECT_EQ(PushBundleHelper::GetAppUidForName(MAIL, USER, value_).GetErr(), 1000900001);
     EXPECT_TRUE(HasLine(cap_, "Get Application Info Fail"));
-}
-
-TEST_F(BundleQueryTest, AbilityLookupsBuildTheirWantAndTakeTheFirstAbility)
-{
-    struct Case { const char* name; std::function<PushBaseRsp(AbilityInfo&)> act; std::function<bool(const Want&)> wantIs; };
-    const Case cases[] = {
-        {"by action", [](auto& i) { return PushBundleHelper::GetAbilityByAction(MAIL, "kavo.action.compose", USER, i); },
-         [](const Want& w) { return w.GetAction() == "kavo.action.compose"; }},
-        {"by uri", [](auto& i) { return PushBundleHelper::GetAbilityByUri(MAIL, "mailto:", USER, i); },
-         [](const Want& w) { return w.GetUriString() == "mailto:"; }},
-        {"by name", [](auto& i) { return PushBundleHelper::GetAbilityByName(MAIL, "Compose", USER, i); },
-         [](const Want& w) { return w.GetAbilityName() == "Compose"; }},
-        {"main: home action and entity", [](auto& i) { return PushBundleHelper::GetMainAbility(MAIL, USER, i); },
-         [](const Want& w) { return w.GetAction() == Want::ACTION_HOME && w.HasEntity(Want::ENTITY_HOME); }},
-    };
-    std::vector<AbilityInfo> two(2);
-    two[0].name = "First";
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        auto wantIs = [&c](const Want& w) { return w.GetBundle() == MAIL && c.wantIs(w); };
-        EXPECT_CALL(**bms_, QueryAbilityInfosV9(::testing::Truly(wantIs), 0, USER, _))
-            .WillOnce(DoAll(SetArgReferee<3>(two), Return(0)))
-            .WillOnce(Return(0));
-        AbilityInfo info;
-        EXPECT_TRUE(c.act(info).Succeed());
-        EXPECT_EQ(info.name, "First");
-        info.name = "kept";
-        EXPECT_TRUE(c.act(info).Succeed()) << "an empty answer is still a success";
-        EXPECT_EQ(info.name, "kept");
-    }
 }
 
 TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
@@ -294,16 +258,14 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
         {{}, 3, -1, 1000900001, "get foreground accountId failed 3", "GetForegroundOsAccounts check fail"},
         {{{101, 0}, {100, 0}}, 0, 8521221, 1000900001, "Query ability infos failed:8521221",
          "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)"},
-        {{{101, 0}, {100, 0}}, 0, 0, 0, "", ""},
     };
-    ScopedAccountService accounts{200};
     auto isBrowserWant = [](const Want& w) {
         return w.GetAction() == "kavo.want.action.viewData" && w.HasEntity("entity.system.browsable") &&
                w.GetUriString() == "https://" && w.GetBundle().empty();
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.desc);
-        EXPECT_CALL(*accounts, GetForegroundOsAccounts(_))
+        EXPECT_CALL(*accounts_, GetForegroundOsAccounts(_))
             .WillOnce(DoAll(SetArgReferee<0>(c.foreground), Return(c.foregroundCode)));
         if (c.queryCode >= 0) {
             EXPECT_CALL(**bms_, QueryAbilityInfosV9(::testing::Truly(isBrowserWant), 0, 101, _))
@@ -313,7 +275,7 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
         PushBaseRsp rsp = PushBundleHelper::IsBrowserAvailable();
         EXPECT_EQ(rsp.GetErr(), c.err);
         EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_TRUE(c.log.empty() || HasLine(cap_, c.log));
+        EXPECT_TRUE(HasLine(cap_, c.log));
     }
 }
 
@@ -331,34 +293,109 @@ TEST(BundleTableTest, ExtensionTypeNamesAreExact)
     EXPECT_FALSE(PushBundleHelper::CheckIsNotClonedApp(-1));
 }
 
-TEST(NoBundleMgrTest, LookupFailsOnEachMissingPiece)
+TEST(NoBundleMgrTest, StoppedManagerIsWaitedForAndAnotherInterfaceIsRefused)
 {
     ScopedReadiness readiness;
+    readiness.Track(BUNDLE_ID, ScopedReadiness::Service::STOPPED);
+    std::string name;
+    PushBaseRsp stopped = PushBundleHelper::GetNameForUid(1, name);
+    EXPECT_EQ(stopped.GetErrDescription(), "get bms fail: bms sa not started");
+    EXPECT_EQ(stopped.GetInnerErr(), Kavo::Push::INNER_ERR_SA_STOPPED);
+    ScopedAppMgr foreign{BUNDLE_ID};
     Kavo::LogCapture cap;
-    auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
-    auto foreign = Kavo::AsRemoteObject<IAppMgr>(Kavo::MakeSptr<MockAppMgr>());
-    struct Case { std::function<void()> arrange, restore; std::string desc, log; int inner; };
+    EXPECT_EQ(PushBundleHelper::GetNameForUid(1, name).GetErrDescription(), "IBundleMgr is null");
+    EXPECT_TRUE(HasLine(cap, "IBundleMgr is null"));
+}
+
+enum Query { FOREGROUND, FOREGROUND_EXTENSION, CHILD, PARENT };
+
+// What a pid query hands back: "fg"/"bg" and the pid for the foreground walk, else the pid.
+std::string Ask(Query q)
+{
+    int pid = -7;
+    bool fg = false;
+    PushBaseRsp rsp = q == CHILD    ? PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid)
+                      : q == PARENT ? PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid)
+                                    : PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid, fg,
+                                                                              q == FOREGROUND_EXTENSION);
+    EXPECT_TRUE(rsp.Succeed());
+    return (q < CHILD ? (fg ? "fg " : "bg ") : "") + std::to_string(pid);
+}
+
+TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
+{
+    struct Case { const char* name; std::vector<RunningProcessInfo> list; Query query; std::string expected; };
+    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND), P(11, UID, S::APP_STATE_FOREGROUND)};
+    const std::string none = std::to_string(INT_MIN);
     const Case cases[] = {
-        {[&] { samgr.SetManagerAvailable(false); }, [&] { samgr.SetManagerAvailable(true); }, "get samgr fail",
-         "get samgr fail", PushBaseRsp::NOT_SET},
-        {[] {}, [] {}, "get bms fail: bms sa not started", "Get bms fail: bms sa not started", PushBaseRsp::NOT_SET},
-        {[&] { readiness.Track(BUNDLE_ID, ScopedReadiness::Service::STOPPED); },
-         [&] { readiness.Track(BUNDLE_ID, ScopedReadiness::Service::UNKNOWN); }, "get bms fail: bms sa not started",
-         "Get bms fail: bms sa not started", Kavo::Push::INNER_ERR_SA_STOPPED},
-        {[&] { samgr.AddSystemAbility(BUNDLE_ID, foreign); }, [&] { samgr.RemoveSystemAbility(BUNDLE_ID); },
-         "IBundleMgr is null", "IBundleMgr is null", PushBaseRsp::NOT_SET},
+        {"foreground process after a background one", bgFg, FOREGROUND, "fg 11"},
+        {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
+        {"focused counts as foreground", {P(12, UID, S::APP_STATE_FOCUS)}, FOREGROUND, "fg 12"},
+        {"other uids are skipped", {P(13, OTHER, S::APP_STATE_FOREGROUND)}, FOREGROUND, "bg -7"},
+        {"the last background main process wins", {P(14, UID, S::APP_STATE_BACKGROUND), P(15, UID, S::APP_STATE_READY)},
+         FOREGROUND, "bg 15"},
+        {"extension: only the remote-notification one sets the pid",
+         {E(16, UID, S::APP_STATE_BACKGROUND, T::PUSH), E(17, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION),
+          P(18, UID, S::APP_STATE_BACKGROUND)}, FOREGROUND_EXTENSION, "bg 17"},
+        {"extension found before a foreground process keeps its pid",
+         {E(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), P(20, UID, S::APP_STATE_FOREGROUND)},
+         FOREGROUND_EXTENSION, "fg 19"},
+        {"the walk stops at the foreground process",
+         {P(21, UID, S::APP_STATE_FOREGROUND), P(22, UID, S::APP_STATE_BACKGROUND)}, FOREGROUND, "fg 21"},
+        {"terminated is not foreground", {E(23, UID, S::APP_STATE_TERMINATED, T::PUSH)}, FOREGROUND, "bg -7"},
+        {"child: type, extension type and uid must all match",
+         {E(30, OTHER, S::APP_STATE_READY, T::PUSH), E(31, UID, S::APP_STATE_READY, T::VOIP),
+          E(32, UID, S::APP_STATE_READY, T::PUSH), E(33, UID, S::APP_STATE_READY, T::PUSH)}, CHILD, "32"},
+        {"child: a normal process is no child", {P(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)}, CHILD,
+         none},
+        {"parent: extensions of the uid are passed over",
+         {E(35, UID, S::APP_STATE_READY, T::PUSH), P(36, OTHER, S::APP_STATE_READY), P(37, UID, S::APP_STATE_READY),
+          P(38, UID, S::APP_STATE_READY)}, PARENT, "37"},
+        {"parent: none of the uid", {P(39, OTHER, S::APP_STATE_READY)}, PARENT, none},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.desc);
-        cap.Clear();
-        c.arrange();
-        std::string name;
-        PushBaseRsp rsp = PushBundleHelper::GetNameForUid(1, name);
-        c.restore();
-        EXPECT_EQ(rsp.GetErr(), 1000900001);
-        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_EQ(rsp.GetInnerErr(), c.inner);
-        EXPECT_TRUE(HasLine(cap, c.log));
+        Answer(c.list);
+        EXPECT_EQ(Ask(c.query), c.expected) << c.name;
+    }
+}
+
+TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
+{
+    // IsAppRunning for app index 1, IsGivenExtensionProcessRunning for PUSH, GetAppProcessState for the
+    // extension name ("" the main process).
+    struct Case { const char* name; std::vector<RunningProcessInfo> list; bool running, pushRunning;
+                  std::string extension; int state; };
+    const Case cases[] = {
+        {"nothing runs: no uid lookup", {}, false, false, "", -1},
+        {"the main process's state", {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)}, true,
+         true, "", 3},
+        {"the named extension's state", {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
+         true, false, "voip", 4},
+        {"another uid: only its push extension counts", {E(41, OTHER, S::APP_STATE_READY, T::PUSH)}, false, true, "",
+         -1},
+        {"an unknown extension name matches nothing", {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)}, true,
+         false, "Push", -1},
+    };
+    app_.tsanEnabled = true;
+    ON_CALL(**bms_, GetUidByBundleName(MAIL, USER, _)).WillByDefault(Return(UID));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        int lookups = c.list.empty() ? 0 : 1;
+        Answer(c.list);
+        EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 1)).Times(lookups);
+        flag_ = !c.running;
+        EXPECT_TRUE(PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 1).Succeed());
+        EXPECT_EQ(flag_, c.running);
+        Answer(c.list);
+        EXPECT_EQ(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH), c.pushRunning);
+        Answer(c.list);
+        EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).Times(lookups);
+        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
+            .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
+        state_ = 9;
+        EXPECT_TRUE(PushBundleHelper::GetAppProcessState({MAIL, USER, 0, c.extension}, state_, flags_).Succeed());
+        EXPECT_EQ(state_, c.state);
+        EXPECT_EQ(flags_, 2) << "the checker flags are read whatever runs";
     }
 }
 

@@ -62,7 +62,8 @@ protected:
         Kavo::Host::InstalledBundle mail(MAIL, 10042);
         mail.cloneIndexes = {1};
         mail.gwpAsanEnabled = true;
-        mail.abilities = {Ability("MainAbility", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {})};
+        mail.abilities = {Ability("MainAbility", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {}),
+                          Ability("SecondHome", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {})};
         mail.extensions = {Extension("Notify", T::REMOTE_NOTIFICATION, 0), Extension("Push", T::PUSH, 0),
                            Extension("Push", T::PUSH, 1)};
         device_.InstallBundle(mail);
@@ -153,9 +154,10 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         {[&] { Ok(PushBundleHelper::GetCurrAccountId(n_)); return str(n_); }, "100"},
         {[&] { Ok(PushBundleHelper::GetCurrBundle(text_)); return text_; }, "com.kavo.push"},
         {[&] {
-             ids_.clear();
-             Ok(PushAccountHelper::GetForegroundOsAccounts(ids_)); return str(ids_.size()) + " " + str(ids_.at(0));
-         }, "1 100"},
+             ids_ = {7};
+             Ok(PushAccountHelper::GetForegroundOsAccounts(ids_));
+             return str(ids_.size()) + " " + str(ids_.back());
+         }, "2 100"},  // appended after what the caller held
         {[&] { Ok(PushAccountHelper::GetForegroundOsAccountLocalId(n_)); return str(n_); }, "100"},
         {[&] { Ok(PushAccountHelper::GetOsAccountLocalIdFromUid(20210042, n_)); return str(n_); }, "101"},
         {[&] { return PushDistributeAccountHelper::GetOsDistributedId(text_).GetErrDescription(); },
