@@ -114,12 +114,10 @@ class EventRecorder {
 public:
     EventRecorder()
     {
-        Kavo::Push::TeldricHelper::RegisterAddEventMethod(
-            [this](Kavo::Push::ComponentCode c, const std::string& api, Kavo::Push::ApiStatusCode s,
-                   const std::string& d) {
-                std::lock_guard<std::mutex> lock(mutex_);
-                events_.emplace_back(c, api, s, d);
-            });
+        Kavo::Push::TeldricHelper::RegisterAddEventMethod([this](auto c, const auto& api, auto s, const auto& d) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            events_.emplace_back(c, api, s, d);
+        });
     }
     ~EventRecorder() { Kavo::Push::TeldricHelper::RegisterAddEventMethod(nullptr); }
     EventRecorder(const EventRecorder&) = delete;
@@ -146,8 +144,6 @@ public:
         Service::SetPollIntervalForTesting(5);
     }
     ~ScopedReadiness() { Clear(); }
-    ScopedReadiness(const ScopedReadiness&) = delete;
-    ScopedReadiness& operator=(const ScopedReadiness&) = delete;
     void Track(int id, Service::Status status)
     {
         Service::SetStatus(Service::ANCHOR_ABILITY_ID, Service::STARTED);
