@@ -52,7 +52,8 @@ std::vector<RetriedOp> RetriedOps()
          "get foreground accountId failed 2"},
         {"GetForegroundOsAccountLocalId",
          [](auto& m, Code code) {
-             EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly([code](int& id) { return id = 101, code(); });
+             auto answer = [code](int& id) { return id = 101, code(); };
+             EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(answer);
          },
          [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); }, "GetForegroundOsAccountLocalId",
          "GetForegroundOsAccountLocalId fail: current userId not obtain",
@@ -65,7 +66,8 @@ std::vector<RetriedOp> RetriedOps()
          [] { return PushAccountHelper::IsOsAccountVerified(verified); }, "IsOsAccountVerified",
          "isOsAccountVerified fail: account sa not started", "isOsAccountVerified retry failed: 2, userId: 100",
          "the os account verifie fail: 2, userId: 100"},
-        {"GetCurrAccountId", [](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
+        {"GetCurrAccountId",
+         [](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
          [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); }, nullptr,
          "get os account localId fail: account sa not started", "Get os accountId failed", "Get os accountId failed"},
     };

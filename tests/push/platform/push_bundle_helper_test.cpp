@@ -37,9 +37,9 @@ RunningProcessInfo E(int pid, int uid, S state, T ext) { return P(pid, uid, stat
 // What a missing manager adds: the lookup's text and the two lines logged on the way.
 struct Lookup { std::string info, line, passOn; };
 const Lookup BMS{"get bms fail: bms sa not started: error(1000900001)", "Get bms fail: bms sa not started",
-                 "Get bundle mgr fail: get bms fail: bms sa not started: error(1000900001)"};
+                 "Get bundle mgr fail: "};
 const Lookup AMS{"get ams fail: ams sa not started: error(1000900001)", "get ams fail: ams sa not started",
-                 "Get app mgr fail: get ams fail: ams sa not started: error(1000900001)"};
+                 "Get app mgr fail: "};
 
 class BundleQueryTest : public ::testing::Test {
 protected:
@@ -47,7 +47,8 @@ protected:
     ~BundleQueryTest() override { Kavo::IPCSkeleton::ResetCallingUid(); }
     void Answer(const std::vector<RunningProcessInfo>& list)
     {
-        EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
+        EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _))
+            .WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
     }
 
     ScopedReadiness readiness_;
@@ -68,79 +69,78 @@ protected:
     unsigned char flags_ = 0;
 };
 
-// Each query meets its manager answering a failure code, then no manager at all.
+// Each query meets its manager answering a failure code, then no manager at all. The log line is
+// the description itself unless a row names another ("" none).
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
     struct Case { const char* name; std::function<void()> arrange; std::function<PushBaseRsp()> act; int err;
-                  std::string desc, log; const Lookup* mgr; std::string noMgrLog; };
+                  std::string desc; const Lookup* mgr; std::string noMgrLog; const char* log = nullptr; };
     auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
         {"extension by want: does not exist",
          [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
-         "query extension fail:7", "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
+         "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
         {"extension by type: passes type and flags",
          [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); },
-         1000900001, "Query extension ability info failed:-5", "Query extension ability info failed:-5", &BMS,
-         "Get Bundle Mgr Fail"},
+         1000900001, "Query extension ability info failed:-5", &BMS, "Get Bundle Mgr Fail"},
         {"abilities", [&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
          [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
-         "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
+         "Query ability infos failed:9", &BMS, "get bundle mgr fail", "Query Ability InfosV9 Fail"},
         {"one ability", [&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
          [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
-         "query ability info failed", "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
+         "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
         {"application",
-         [&] { EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false)); },
+         [&] {
+             EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
+         },
          [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); },
-         1000900001, "Get application info fail", "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
+         1000900001, "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
         {"name for uid", [&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001,
-         "Get name for uid fail: 8521225", "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
+         "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
         {"uid for name: an unknown bundle's -1 is a success",
          [&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
-         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", "", &BMS,
-         "Get Bundle Mgr Fail"},
+         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", &BMS,
+         "Get Bundle Mgr Fail", ""},
         {"bundle record", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
          [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
-         "GetBundleInfoV9 failed ret:8521220", &BMS, "GetBundleInfoV9 get bundle mgr fail"},
+         &BMS, "GetBundleInfoV9 get bundle mgr fail", "GetBundleInfoV9 failed ret:8521220"},
         {"app index", [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
-         [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12",
-         "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
+         [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12", &BMS,
+         "get bundle mgr fail", "Get appIndex faild: 12"},
         {"installed", [&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1,
-         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+         "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
         {"installed V9", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
-         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
-        {"caller: name refused", [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
+         "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
+        {"caller: name refused",
+         [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, -1,
-         "get uid, bundle name, appIndex fail:8521225", "Get uid 20010042, appIndex, bundle name failed, ret:8521225",
-         &BMS, "Get BundleMgr failed, ret: 1000900001"},
+         "get uid, bundle name, appIndex fail:8521225", &BMS, "Get BundleMgr failed, ret: 1000900001",
+         "Get uid 20010042, appIndex, bundle name failed, ret:8521225"},
         {"caller: account refused",
          [&] {
              EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
              EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
          },
          [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, 1000900001,
-         "Get accountId local id from uid failed 4194323", "Get uid 20010042 userId failed, ret 1000900001", &BMS,
-         "Get BundleMgr failed, ret: 1000900001"},
+         "Get accountId local id from uid failed 4194323", &BMS, "Get BundleMgr failed, ret: 1000900001",
+         "Get uid 20010042 userId failed, ret 1000900001"},
         {"running", processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
-         "check if app running, get running process info fail: 6", "Get running process info fail: :6", &AMS,
-         "Get app mgr fail :" + AMS.info},
+         "check if app running, get running process info fail: 6", &AMS, "Get app mgr fail :" + AMS.info,
+         "Get running process info fail: :6"},
         {"foreground", processes6,
          [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false); },
-         1000900001, "check if app foreground, get running process info fail: 6",
-         "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
+         1000900001, "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
         {"child", processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); },
-         1000900001, "check if child pid, get running process info fail: 6",
-         "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+         1000900001, "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
         {"parent", processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); },
-         1000900001, "check if parent pid, get running process info fail: 6",
-         "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+         1000900001, "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
         {"state", processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
-         1000900001, "get app process state, get running process info fail: 6",
-         "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
+         1000900001, "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -151,12 +151,13 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         PushBaseRsp rsp = c.act();
         EXPECT_EQ(rsp.GetErr(), c.err);
         EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_TRUE(c.log.empty() || HasLine(cap_, c.log));
+        EXPECT_TRUE(c.log == nullptr ? HasLine(cap_, c.desc) : (!*c.log || HasLine(cap_, c.log)));
         bms_.reset();
         ams_.reset();
         cap_.Clear();
         EXPECT_EQ(c.act().GetInfo(), c.mgr->info);
-        EXPECT_TRUE(HasLine(cap_, c.mgr->line) && HasLine(cap_, c.mgr->passOn) && HasLine(cap_, c.noMgrLog));
+        EXPECT_TRUE(HasLine(cap_, c.mgr->line) && HasLine(cap_, c.mgr->passOn + c.mgr->info) &&
+                    HasLine(cap_, c.noMgrLog));
     }
     EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).second, -1);
     EXPECT_EQ(std::make_pair(state_, pid_), std::make_pair(-1, INT_MIN));
@@ -179,9 +180,10 @@ TEST_F(BundleQueryTest, ExtensionProcessCheckReportsItsFailures)
     samgr.SetManagerAvailable(false);
     EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
     samgr.SetManagerAvailable(true);
-    EXPECT_EQ(reports.Reports(), (std::vector<std::pair<int, std::string>>{
-                                     {100002017, "get running process information ret(6)"},
-                                     {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
+    EXPECT_EQ(reports.Reports(),
+              (std::vector<std::pair<int, std::string>>{
+                  {100002017, "get running process information ret(6)"},
+                  {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
 }
 
 TEST_F(BundleQueryTest, MissingBundleAndCloneRecordResults)
@@ -207,7 +209,8 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
     const Case cases[] = {{false, false, false, false, 0}, {true, false, false, false, 1},
                           {false, false, false, true, 8}, {true, true, true, true, 15}};
     for (const auto& c : cases) {
-        app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan, app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
+        app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
+        app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
         EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).Succeed());
@@ -293,7 +296,7 @@ TEST(BundleTableTest, ExtensionTypeNamesAreExact)
     EXPECT_FALSE(PushBundleHelper::CheckIsNotClonedApp(-1));
 }
 
-TEST(NoBundleMgrTest, StoppedManagerIsWaitedForAndAnotherInterfaceIsRefused)
+TEST(NoBundleMgrTest, StoppedManagerNoRegistryAndAnotherInterface)
 {
     ScopedReadiness readiness;
     readiness.Track(BUNDLE_ID, ScopedReadiness::Service::STOPPED);
@@ -301,6 +304,10 @@ TEST(NoBundleMgrTest, StoppedManagerIsWaitedForAndAnotherInterfaceIsRefused)
     PushBaseRsp stopped = PushBundleHelper::GetNameForUid(1, name);
     EXPECT_EQ(stopped.GetErrDescription(), "get bms fail: bms sa not started");
     EXPECT_EQ(stopped.GetInnerErr(), Kavo::Push::INNER_ERR_SA_STOPPED);
+    auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
+    samgr.SetManagerAvailable(false);
+    EXPECT_EQ(PushBundleHelper::GetNameForUid(1, name).GetErrDescription(), "get samgr fail");
+    samgr.SetManagerAvailable(true);
     ScopedAppMgr foreign{BUNDLE_ID};
     Kavo::LogCapture cap;
     EXPECT_EQ(PushBundleHelper::GetNameForUid(1, name).GetErrDescription(), "IBundleMgr is null");
@@ -325,7 +332,8 @@ std::string Ask(Query q)
 TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
 {
     struct Case { const char* name; std::vector<RunningProcessInfo> list; Query query; std::string expected; };
-    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND), P(11, UID, S::APP_STATE_FOREGROUND)};
+    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND),
+                                                  P(11, UID, S::APP_STATE_FOREGROUND)};
     const std::string none = std::to_string(INT_MIN);
     const Case cases[] = {
         {"foreground process after a background one", bgFg, FOREGROUND, "fg 11"},
@@ -369,8 +377,8 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
         {"nothing runs: no uid lookup", {}, false, false, "", -1},
         {"the main process's state", {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)}, true,
          true, "", 3},
-        {"the named extension's state", {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
-         true, false, "voip", 4},
+        {"the named extension's state",
+         {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)}, true, false, "voip", 4},
         {"another uid: only its push extension counts", {E(41, OTHER, S::APP_STATE_READY, T::PUSH)}, false, true, "",
          -1},
         {"an unknown extension name matches nothing", {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)}, true,

@@ -34,7 +34,8 @@ AbilityInfo Ability(const std::string& name, std::vector<std::string> actions, s
                     std::vector<std::string> uris)
 {
     AbilityInfo info;
-    info.name = name, info.actions = std::move(actions), info.entities = std::move(entities), info.uris = std::move(uris);
+    info.name = name, info.actions = std::move(actions);
+    info.entities = std::move(entities), info.uris = std::move(uris);
     return info;
 }
 
@@ -114,7 +115,8 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         {[&] { return H::GetMainAbility(MAIL, USER, ability_); }, [&] { return ability_.name; }, "MainAbility"},
         {[&] { return H::GetAbilityByAction(BROWSER, "kavo.want.action.viewData", USER, ability_); },
          [&] { return ability_.name; }, "Viewer"},
-        {[&] { return H::GetAbilityByUri(BROWSER, "http://a", USER, ability_); }, [&] { return ability_.name; }, "Viewer"},
+        {[&] { return H::GetAbilityByUri(BROWSER, "http://a", USER, ability_); }, [&] { return ability_.name; },
+         "Viewer"},
         {[&] { return H::GetAbilityByName(MAIL, "MainAbility", USER, ability_); }, [&] { return ability_.name; },
          "MainAbility"},
         {[&] { return H::GetNameForUid(20010043, text_); }, [&] { return text_; }, MAIL},
@@ -140,13 +142,19 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         {[&] { return A::IsOsAccountVerified(b_); }, [&] { return str(b_); }, "1"},
         {[&] { return H::GetCurrAccountId(n_); }, [&] { return str(n_); }, "100"},
         {[&] { return H::GetCurrBundle(text_); }, [&] { return text_; }, "com.kavo.push"},
-        {[&] { return ids_ = {7}, A::GetForegroundOsAccounts(ids_); },  // appended after what the caller held
+        {[&] {
+             ids_ = {7};  // appended after what the caller held
+             return A::GetForegroundOsAccounts(ids_);
+         },
          [&] { return str(ids_.size()) + " " + str(ids_.back()); }, "2 100"},
         {[&] { return A::GetForegroundOsAccountLocalId(n_); }, [&] { return str(n_); }, "100"},
         {[&] { return A::GetOsAccountLocalIdFromUid(20210042, n_); }, [&] { return str(n_); }, "101"},
         {nullptr, [&] { return PushDistributeAccountHelper::GetOsDistributedId(text_).GetErrDescription(); },
          "Os account id not login"},
-        {[&] { return device_.SetDistributedAccount("5500123"), PushDistributeAccountHelper::GetOsDistributedId(text_); },
+        {[&] {
+             device_.SetDistributedAccount("5500123");
+             return PushDistributeAccountHelper::GetOsDistributedId(text_);
+         },
          [&] { return text_; }, "5500123"},
     };
     for (const auto& row : cases) {
@@ -155,20 +163,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         EXPECT_EQ(row.shown(), row.expected);
     }
     EXPECT_EQ(events_.Take(), Events{});
-}
-
-TEST_F(DeviceQueryTest, UnavailableManagerFailsEveryFamily)
-{
-    auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
-    samgr.SetManagerAvailable(false);
-    std::vector<std::string> got = {PushBundleHelper::GetNameForUid(20010042, text_).GetErrDescription(),
-                                    PushBundleHelper::IsAppRunning(MAIL, USER, b_, 0).GetErrDescription(),
-                                    PushAccountHelper::QueryActiveOsAccountIds(ids_).GetErrDescription(),
-                                    PushTimerHelper::StartTimer(std::make_shared<PushTimerInfo>(1)).GetErrDescription()};
-    samgr.SetManagerAvailable(true);
-    EXPECT_EQ(got, (std::vector<std::string>{"get samgr fail", "get app mgr fail: get samgr fail",
-                                             "query active os accountIds fail: account sa not started",
-                                             "create timer fail: time service sa not started"}));
 }
 
 TEST_F(DeviceQueryTest, TimersStartedThroughTheHelperFireAndStop)

@@ -74,8 +74,10 @@ TEST_F(TimerHelperTest, NullTimersRefusalsAndAMissingClient)
         std::string refusedLog, refusedDesc, refusedApi, noClientLog;
     };
     const Case cases[] = {
-        {PushTimerHelper::StartTimer, "StartTimer: timerInfo is Null", "StartTimer: New Timer Error", {}, "", "", "", ""},
-        {PushTimerHelper::StartNewTimer, "StartNewTimer: timerInfo is Null", "StartNewTimer: New Timer Error", {}, "", "", "", ""},
+        {PushTimerHelper::StartTimer, "StartTimer: timerInfo is Null", "StartTimer: New Timer Error", {}, "", "", "",
+         ""},
+        {PushTimerHelper::StartNewTimer, "StartNewTimer: timerInfo is Null", "StartNewTimer: New Timer Error", {}, "",
+         "", "", ""},
         {PushTimerHelper::StopTimer, "StopTimer: currTimerInfo is nullptr",
          "Current Timer of PushTimerHelper::StopTimer is Null",
          [](auto& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); }, "StopTimer: Stop Timer Failed",
@@ -112,7 +114,8 @@ TEST_F(TimerHelperTest, NullTimersRefusalsAndAMissingClient)
         EXPECT_EQ(c.act(timer).GetErrDescription(), "Get system timer is null");
         TimeServiceClient::SetClientAvailable(true);
         EXPECT_TRUE(HasLine(cap_, c.noClientLog));
-        EXPECT_EQ(events_.Take(), (Events{{18, c.refusedApi, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
+        EXPECT_EQ(events_.Take(),
+                  (Events{{18, c.refusedApi, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
         EXPECT_TRUE(reports_.Reports().empty());
     }
 }
@@ -121,7 +124,8 @@ TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
 {
     auto timer = std::make_shared<PushTimerInfo>(5);
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
-    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(), "create timer fail: time service sa not started");
+    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(),
+              "create timer fail: time service sa not started");
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Create Timer Fail"));
     EXPECT_TRUE(HasLine(cap_, "create timer failed cause time service sa not started :create timer fail: time "
                               "service sa not started: error(1000900001)"));
