@@ -34,8 +34,8 @@ TEST(SysEventTest, NestedRecordersBadEventsAndTheJsonForm)
     auto events = outer.Events();
     ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[1].name, "START_EXTENSION");
-    SysEventRecord record{"D", "E", SysEventType::FAULT,
-                          {{"S", std::string("a\"b\\c\n\x01")}, {"I", int32_t{-7}}, {"U", uint64_t{18446744073709551615ULL}}}};
+    SysEventRecord record{"D", "E", SysEventType::FAULT, {{"S", std::string("a\"b\\c\n\x01")}, {"I", int32_t{-7}}}};
+    record.params.push_back({"U", uint64_t{18446744073709551615ULL}});
     EXPECT_EQ(SysEventToJson(record),
               R"({"domain":"D","name":"E","type":1,"params":{"S":"a\"b\\c\n\u0001","I":-7,"U":18446744073709551615}})");
 }
