@@ -120,8 +120,6 @@ public:
         });
     }
     ~EventRecorder() { Kavo::Push::TeldricHelper::RegisterAddEventMethod(nullptr); }
-    EventRecorder(const EventRecorder&) = delete;
-    EventRecorder& operator=(const EventRecorder&) = delete;
     Events Take()
     {
         std::lock_guard<std::mutex> lock(mutex_);

@@ -111,9 +111,8 @@ TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
             op.expectCall(*service, [&runs]() { return ++runs, 2; });
             cap_.Clear();
             PushBaseRsp rsp = op.act();
-            EXPECT_EQ(runs, 1);
-            EXPECT_EQ(rsp.GetErr(), 1000900001);
-            EXPECT_EQ(rsp.GetErrDescription(), op.failDesc);
+            EXPECT_EQ(std::make_tuple(runs, int(rsp.GetErr()), rsp.GetErrDescription()),
+                      std::make_tuple(1, 1000900001, op.failDesc));
             EXPECT_TRUE(HasLine(cap_, op.failLog.empty() ? op.failDesc : op.failLog));
         }
         // No service: at once while readiness is unknown, after the wait once it is tracked as stopped.
@@ -129,9 +128,8 @@ TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
                 EXPECT_THAT(rsp.GetErrDescription(), ::testing::HasSubstr(RetriedOps()[2].notStarted));
                 continue;
             }
-            EXPECT_EQ(rsp.GetErr(), 1000900001);
-            EXPECT_EQ(rsp.GetErrDescription(), op.notStarted);
-            EXPECT_EQ(rsp.GetInnerErr(), inner);
+            EXPECT_EQ(std::make_tuple(int(rsp.GetErr()), rsp.GetErrDescription(), rsp.GetInnerErr()),
+                      std::make_tuple(1000900001, op.notStarted, inner));
             EXPECT_TRUE(HasLine(cap_, op.notStarted));
         }
     }
