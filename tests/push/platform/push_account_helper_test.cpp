@@ -169,21 +169,5 @@ TEST_F(AccountQueryTest, SingleShotQueriesReportTheirCodeWithoutWaiting)
                                       {35, "GetKavoAccountInfo", 1, "4194321"}}));
 }
 
-TEST_F(AccountQueryTest, DistributedIdIsRefusedOnlyForTheExactAnonymousUid)
-{
-    ScopedAccountService service{ACCOUNT};
-    for (std::string uid : {"kavoAnonymousUid", "kavoAnonymousUid ", "KavoAnonymousUid"}) {
-        Kavo::AccountSA::KavoAccountInfo info;
-        info.uid = uid;
-        EXPECT_CALL(*service, GetKavoAccountInfo(_)).WillOnce(DoAll(SetArgReferee<0>(info), Return(0)));
-        std::string id = "kept";
-        PushBaseRsp rsp = PushDistributeAccountHelper::GetOsDistributedId(id);
-        bool anonymous = uid == "kavoAnonymousUid";
-        EXPECT_EQ(rsp.GetErr(), anonymous ? 1000900001 : 0) << uid;
-        EXPECT_EQ(rsp.GetErrDescription(), anonymous ? "Os account id not login" : "") << uid;
-        EXPECT_EQ(id, anonymous ? "kept" : uid);
-    }
-}
-
 }  // namespace
 }  // namespace KavoTest

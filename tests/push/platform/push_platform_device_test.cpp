@@ -93,6 +93,10 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
     using H = PushBundleHelper;
     using A = PushAccountHelper;
     auto str = [](auto v) { return std::to_string(v); };
+    auto distributedId = [this](const char* loggedIn) {
+        device_.SetDistributedAccount(loggedIn);
+        return PushDistributeAccountHelper::GetOsDistributedId(text_);
+    };
     struct Case { std::function<PushBaseRsp()> act; std::function<std::string()> shown; std::string expected; };
     ClientUserInfo c;
     std::vector<ExtensionAbilityInfo> v;
@@ -148,13 +152,15 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          [&] { return str(ids_.size()) + " " + str(ids_.back()); }, "2 100"},
         {[&] { return A::GetForegroundOsAccountLocalId(n_); }, [&] { return str(n_); }, "100"},
         {[&] { return A::GetOsAccountLocalIdFromUid(20210042, n_); }, [&] { return str(n_); }, "101"},
-        {nullptr, [&] { return PushDistributeAccountHelper::GetOsDistributedId(text_).GetErrDescription(); },
-         "Os account id not login"},
-        {[&] {
-             device_.SetDistributedAccount("5500123");
-             return PushDistributeAccountHelper::GetOsDistributedId(text_);
-         },
-         [&] { return text_; }, "5500123"},
+        {nullptr, [&] {
+             text_ = "kept";
+             std::string desc = distributedId("kavoAnonymousUid").GetErrDescription();
+             return desc + " " + text_;
+         }, "Os account id not login kept"},
+        // Only the exact anonymous uid means nobody is logged in.
+        {[&] { return distributedId("5500123"); }, [&] { return text_; }, "5500123"},
+        {[&] { return distributedId("KavoAnonymousUid"); }, [&] { return text_; }, "KavoAnonymousUid"},
+        {[&] { return distributedId("kavoAnonymousUid "); }, [&] { return text_; }, "kavoAnonymousUid "},
     };
     for (const auto& row : cases) {
         PushBaseRsp rsp = row.act ? row.act() : PushBaseRsp();
