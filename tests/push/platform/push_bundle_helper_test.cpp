@@ -73,77 +73,71 @@ protected:
 // the description itself unless a row names another ("" none).
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
-    struct Case { const char* name; std::function<void()> arrange; std::function<PushBaseRsp()> act; int err;
+    struct Case { std::function<void()> arrange; std::function<PushBaseRsp()> act; int err;
                   std::string desc; const Lookup* mgr; std::string noMgrLog; const char* log = nullptr; };
     auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
-        {"extension by want: does not exist",
-         [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
+        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
          "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
-        {"extension by type: passes type and flags",
-         [&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
+        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); },
          1000900001, "Query extension ability info failed:-5", &BMS, "Get Bundle Mgr Fail"},
-        {"abilities", [&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
+        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
          [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
          "Query ability infos failed:9", &BMS, "get bundle mgr fail", "Query Ability InfosV9 Fail"},
-        {"one ability", [&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
+        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
          [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
          "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
-        {"application",
-         [&] {
+        {[&] {
              EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
          },
          [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); },
          1000900001, "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
-        {"name for uid", [&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
+        {[&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001,
          "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
-        {"uid for name: an unknown bundle's -1 is a success",
-         [&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
+        {[&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
          [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", &BMS,
-         "Get Bundle Mgr Fail", ""},
-        {"bundle record", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
+         "Get Bundle Mgr Fail", ""},  // an unknown bundle's uid -1 is handed back as a success
+        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
          [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
          &BMS, "GetBundleInfoV9 get bundle mgr fail", "GetBundleInfoV9 failed ret:8521220"},
-        {"app index", [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
+        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
          [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12", &BMS,
          "get bundle mgr fail", "Get appIndex faild: 12"},
-        {"installed", [&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
+        {[&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1,
          "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
-        {"installed V9", [&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
+        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
          "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
-        {"caller: name refused",
-         [&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
+        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, -1,
          "get uid, bundle name, appIndex fail:8521225", &BMS, "Get BundleMgr failed, ret: 1000900001",
          "Get uid 20010042, appIndex, bundle name failed, ret:8521225"},
-        {"caller: account refused",
-         [&] {
+        {[&] {
              EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
              EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
          },
          [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, 1000900001,
          "Get accountId local id from uid failed 4194323", &BMS, "Get BundleMgr failed, ret: 1000900001",
          "Get uid 20010042 userId failed, ret 1000900001"},
-        {"running", processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
+        {processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
          "check if app running, get running process info fail: 6", &AMS, "Get app mgr fail :" + AMS.info,
          "Get running process info fail: :6"},
-        {"foreground", processes6,
+        {processes6,
          [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false); },
          1000900001, "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {"child", processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); },
+        {processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); },
          1000900001, "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {"parent", processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); },
+        {processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); },
          1000900001, "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {"state", processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
+        {processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
          1000900001, "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(&c - cases);  // the row
         bms_.emplace(BUNDLE_ID);
         ams_.emplace(APP_ID);
         cap_.Clear();
