@@ -18,6 +18,7 @@ using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushTimerHelper;
 using Kavo::Push::PushTimerInfo;
 using Reports = std::vector<std::pair<int, std::string>>;
+using Act = PushBaseRsp (*)(const std::shared_ptr<PushTimerInfo>&);
 
 constexpr int TIME_SERVICE = 3702;
 constexpr int64_t BOOT_MS = 5000000;
@@ -63,31 +64,40 @@ TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
     EXPECT_TRUE(PushTimerHelper::RestartTimer(timer).Succeed()) << "restart keeps the id, moves the deadline";
 }
 
-// Each operation meets a null timer (a report, no event), a refusal and a missing client (events).
-TEST_F(TimerHelperTest, NullTimersRefusalsAndAMissingClient)
+// A null timer: one log line, an exception report with the same text, no event.
+TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
 {
-    using Act = std::function<PushBaseRsp(const std::shared_ptr<PushTimerInfo>&)>;
-    struct Case {
-        Act act;
-        std::string nullLog, nullDesc;
-        std::function<void(MockTimeService&)> refuse;  // null: no refusal row
-        std::string refusedLog, refusedDesc, refusedApi, noClientLog;
-    };
-    const Case cases[] = {
-        {PushTimerHelper::StartTimer, "StartTimer: timerInfo is Null", "StartTimer: New Timer Error", {}, "", "", "",
-         ""},
-        {PushTimerHelper::StartNewTimer, "StartNewTimer: timerInfo is Null", "StartNewTimer: New Timer Error", {}, "",
-         "", "", ""},
+    const std::tuple<Act, std::string, std::string> cases[] = {
+        {PushTimerHelper::StartTimer, "StartTimer: timerInfo is Null", "StartTimer: New Timer Error"},
+        {PushTimerHelper::StartNewTimer, "StartNewTimer: timerInfo is Null", "StartNewTimer: New Timer Error"},
         {PushTimerHelper::StopTimer, "StopTimer: currTimerInfo is nullptr",
-         "Current Timer of PushTimerHelper::StopTimer is Null",
-         [](auto& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); }, "StopTimer: Stop Timer Failed",
-         "Stop timer failed", "StopTimer", "StopTimer: Get System Timer is Null"},
-        {PushTimerHelper::DestoryTimer, "DestoryTimer: currTimerInfo is nullptr", "current timer is null",
-         [](auto& m) { EXPECT_CALL(m, DestroyTimer(9)).WillOnce(Return(false)); },
+         "Current Timer of PushTimerHelper::StopTimer is Null"},
+        {PushTimerHelper::DestoryTimer, "DestoryTimer: currTimerInfo is nullptr", "current timer is null"},
+        {PushTimerHelper::RestartTimer, "RestartTimer: currTimerInfo is nullptr",
+         "Current Timer of PushTimerHelper::StopTimer is Null"},
+    };
+    for (const auto& [act, log, desc] : cases) {
+        cap_.Clear();
+        reports_.Clear();
+        PushBaseRsp rsp = act(nullptr);
+        EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(1000900001, desc));
+        EXPECT_EQ(cap_.Texts(), std::vector<std::string>{log});
+        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, log}}));
+    }
+    EXPECT_EQ(events_.Take(), Events{});
+}
+
+// A refusal and a missing client: their texts and events, no report.
+TEST_F(TimerHelperTest, RefusalsAndAMissingClientSendTheirEvents)
+{
+    struct Case { Act act; std::function<void(MockTimeService&)> refuse; std::string log, desc, api, noClientLog; };
+    const Case cases[] = {
+        {PushTimerHelper::StopTimer, [](auto& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); },
+         "StopTimer: Stop Timer Failed", "Stop timer failed", "StopTimer", "StopTimer: Get System Timer is Null"},
+        {PushTimerHelper::DestoryTimer, [](auto& m) { EXPECT_CALL(m, DestroyTimer(9)).WillOnce(Return(false)); },
          "DestoryTimer: Destroy Timer Failed", "Destroy timer failed", "DestroyTimer",
          "DestoryTimer: Get System Timer is Null"},
-        {PushTimerHelper::RestartTimer, "RestartTimer: currTimerInfo is nullptr",
-         "Current Timer of PushTimerHelper::StopTimer is Null",
+        {PushTimerHelper::RestartTimer,
          [](auto& m) { EXPECT_CALL(m, StartTimer(9, BOOT_MS + 60000)).WillOnce(Return(false)); },
          "RestartTimer: ReStart Timer Failed", "ReStart Timer failed", "StartTimer",
          "RestartTimer: Get System Timer is Null"},
@@ -95,29 +105,16 @@ TEST_F(TimerHelperTest, NullTimersRefusalsAndAMissingClient)
     auto timer = std::make_shared<PushTimerInfo>(60);
     timer->SetTimerId(9);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.nullLog);
-        cap_.Clear();
-        PushBaseRsp rsp = c.act(nullptr);
-        EXPECT_EQ(rsp.GetErr(), 1000900001);
-        EXPECT_EQ(rsp.GetErrDescription(), c.nullDesc);
-        EXPECT_EQ(cap_.Texts(), std::vector<std::string>{c.nullLog});
-        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, c.nullLog}}));
-        EXPECT_EQ(events_.Take(), Events{});
-        reports_.Clear();
-        if (!c.refuse) {
-            continue;
-        }
         c.refuse(*service_);
-        EXPECT_EQ(c.act(timer).GetErrDescription(), c.refusedDesc);
-        EXPECT_TRUE(HasLine(cap_, c.refusedLog));
+        EXPECT_EQ(c.act(timer).GetErrDescription(), c.desc);
         TimeServiceClient::SetClientAvailable(false);
         EXPECT_EQ(c.act(timer).GetErrDescription(), "Get system timer is null");
         TimeServiceClient::SetClientAvailable(true);
-        EXPECT_TRUE(HasLine(cap_, c.noClientLog));
+        EXPECT_TRUE(HasLine(cap_, c.log) && HasLine(cap_, c.noClientLog)) << c.api;
         EXPECT_EQ(events_.Take(),
-                  (Events{{18, c.refusedApi, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
-        EXPECT_TRUE(reports_.Reports().empty());
+                  (Events{{18, c.api, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
     }
+    EXPECT_TRUE(reports_.Reports().empty());
 }
 
 TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
