@@ -177,16 +177,8 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
                   {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
 }
 
-TEST_F(BundleQueryTest, MissingBundleAndCloneRecordResults)
+TEST_F(BundleQueryTest, CloneRecordFailureHandsBackTheCode)
 {
-    EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220));
-    auto v9 = PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_);
-    EXPECT_EQ(std::make_tuple(v9.second, v9.first.GetErr(), v9.first.GetErrDescription()),
-              std::make_tuple(0, -1, std::string("bundle is not installed")));
-    EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(DoAll(SetArgReferee<3>(false), Return(0)));
-    auto flag = PushBundleHelper::GetInstalledStatus(MAIL, USER, 2);
-    EXPECT_EQ(std::make_tuple(flag.second, flag.first.GetErr(), flag.first.GetErrDescription()),
-              std::make_tuple(0, -1, std::string()));
     EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
     int ret = 0;
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());

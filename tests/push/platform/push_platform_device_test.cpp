@@ -1,5 +1,5 @@
-// The platform queries on a realistic simulated device: answers read from its state, the codes
-// its services are told to answer, a service that comes up late, and timers really firing.
+// The platform queries on a realistic simulated device: every answer read from its state, and
+// timers really firing on its time service.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -130,7 +130,12 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          }, "0 20010043 1"},
         {nullptr, [&] { return str(H::GetInstalledStatus(MAIL, USER, 1).second); }, "1"},
         {[&] { return H::GetInstalledStatusV9(MAIL, USER, n_).first; }, [&] { return str(n_); }, "20010042"},
-        {nullptr, [&] { return str(H::GetInstalledStatusV9("com.example.none", USER, n_).second); }, "0"},
+        {nullptr, [&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
+             auto [v9, v9Status] = H::GetInstalledStatusV9("com.example.none", USER, n_);
+             auto [flag, flagStatus] = H::GetInstalledStatus("com.example.none", USER, 0);
+             return str(v9Status) + " " + str(v9.GetErr()) + " " + v9.GetErrDescription() + ", " + str(flagStatus) +
+                    " " + str(flag.GetErr()) + " " + flag.GetErrDescription();
+         }, "0 -1 bundle is not installed, 0 -1 "},
         {[&] { return H::GetAppUidForName(BROWSER, USER, n_); }, [&] { return str(n_); }, "20010050"},
         {[&] { return H::GetAppAnitizerFlag(MAIL, USER, flags_); }, [&] { return str(flags_); }, "4"},
         {[&] { return H::IsRemoteForegrounding({MAIL, USER, 0, 20010042}, n_, b_, false); },
