@@ -1,12 +1,11 @@
 // The simulated device as its services answer through the platform clients: uids and clones,
-// processes, accounts, and the control surface (chosen codes, absent and late services).
+// accounts, and the control surface (chosen codes, absent and late services, registration).
 #include "kavo/host/device/device.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <thread>
 
 #include "kavo/host/account/os_account_manager.h"
@@ -21,16 +20,19 @@ namespace {
 using namespace Kavo;
 using namespace Kavo::AppExecFwk;
 using Kavo::AccountSA::OsAccountManager;
-using Kavo::Host::Device;
 
 const std::string MAIL = "com.example.mail";
 
-sptr<IBundleMgr> Bms()
+sptr<IRemoteObject> Service(int32_t id)
 {
-    return iface_cast<IBundleMgr>(
-        SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401));
+    return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(id);
 }
 
+sptr<IBundleMgr> Bms() { return iface_cast<IBundleMgr>(Service(401)); }
+
+int32_t ActiveIds(std::vector<int32_t>&& ids = {}) { return OsAccountManager::QueryActiveOsAccountIds(ids); }
+
+// Owner 100, unverified guest 101, inactive 102; the mail app and its clone 1 under 100 and 101.
 class DeviceTest : public ::testing::Test {
 protected:
     DeviceTest()
@@ -45,152 +47,79 @@ protected:
         device_.Activate();
     }
 
-    Device device_;
+    Host::Device device_;
 };
 
-TEST_F(DeviceTest, UidsFollowAccountAppIdAndClone)
+TEST_F(DeviceTest, UidsAndAccountsFollowTheInstalledState)
 {
-    struct Case {
-        const char* name;
-        int32_t userId;
-        int32_t appIndex;
-        int32_t uid;
-    };
-    const Case cases[] = {
-        {"main application of account 100", 100, 0, 20010042},
-        {"its clone", 100, 1, 20010043},
-        {"account 101", 101, 0, 20210042},
-        {"a clone that does not exist", 100, 2, -1},
-        {"an account it is not installed for", 102, 0, -1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(Bms()->GetUidByBundleName(MAIL, c.userId, c.appIndex), c.uid);
-        if (c.uid < 0) {
-            continue;
-        }
-        std::string name;
-        int32_t appIndex = -1;
-        EXPECT_EQ(Bms()->GetNameAndIndexForUid(c.uid, name, appIndex), 0);
-        EXPECT_EQ(name, MAIL);
-        EXPECT_EQ(appIndex, c.appIndex);
-        int32_t localId = -1;
-        EXPECT_EQ(OsAccountManager::GetOsAccountLocalIdFromUid(c.uid, localId), 0);
-        EXPECT_EQ(localId, c.userId);
-    }
-    EXPECT_EQ(Bms()->GetUidByBundleName("com.example.none", 100, 0), -1);
+    struct Case { int32_t userId, appIndex, uid; };
     std::string name;
+    int32_t appIndex = -1, localId = -1;
+    for (const Case c : {Case{100, 0, 20010042}, {100, 1, 20010043}, {101, 0, 20210042}, {100, 2, -1}, {102, 0, -1}}) {
+        EXPECT_EQ(Bms()->GetUidByBundleName(MAIL, c.userId, c.appIndex), c.uid);
+        if (c.uid > 0) {
+            EXPECT_EQ(Bms()->GetNameAndIndexForUid(c.uid, name, appIndex), 0);
+            EXPECT_EQ(OsAccountManager::GetOsAccountLocalIdFromUid(c.uid, localId), 0);
+            EXPECT_EQ(std::make_tuple(name, appIndex, localId), std::make_tuple(MAIL, c.appIndex, c.userId));
+        }
+    }
     EXPECT_EQ(Bms()->GetNameForUid(20010099, name), ERR_BUNDLE_MANAGER_INVALID_UID);
-}
-
-TEST_F(DeviceTest, AccountsAnswerByTheirFlags)
-{
     std::vector<int32_t> active{55};
     EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(active), 0);
     EXPECT_EQ(active, (std::vector<int32_t>{100, 101})) << "the list is cleared, then filled";
-    int32_t foreground = -1;
-    EXPECT_EQ(OsAccountManager::GetForegroundOsAccountLocalId(foreground), 0);
-    EXPECT_EQ(foreground, 100);
     bool verified = true;
     EXPECT_EQ(OsAccountManager::IsOsAccountVerified(101, verified), 0);
     EXPECT_FALSE(verified);
-    EXPECT_NE(OsAccountManager::IsOsAccountVerified(7, verified), 0);
-    AccountSA::KavoAccountInfo owner;
-    EXPECT_EQ(AccountSA::KavoAccountKits::GetInstance().GetKavoAccountInfo(owner), 0);
-    EXPECT_EQ(owner.uid, "kavoAnonymousUid");
 }
 
-TEST_F(DeviceTest, ChosenCodesAnswerOnceOrUntilCleared)
+TEST_F(DeviceTest, ChosenCodesAbsentAndLateServices)
 {
-    struct Case {
-        const char* name;
-        bool once;
-        int32_t second;
-    };
-    const Case cases[] = {{"once", true, 0}, {"until cleared", false, 77}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        device_.SetReturnCode(200, "QueryActiveOsAccountIds", 77, c.once);
-        std::vector<int32_t> ids;
-        EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 77);
-        EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), c.second);
-        std::vector<AccountSA::ForegroundOsAccount> foreground;
-        EXPECT_EQ(OsAccountManager::GetForegroundOsAccounts(foreground), 0) << "other operations are unaffected";
+    for (bool once : {true, false}) {
+        device_.SetReturnCode(200, "QueryActiveOsAccountIds", 77, once);
+        std::vector<AccountSA::ForegroundOsAccount> other;  // another operation is unaffected
+        EXPECT_EQ((std::vector<int32_t>{ActiveIds(), OsAccountManager::GetForegroundOsAccounts(other), ActiveIds()}),
+                  (std::vector<int32_t>{77, 0, once ? 0 : 77}));
         device_.ClearReturnCodes();
-        EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 0);
+        EXPECT_EQ(ActiveIds(), 0);
     }
-    device_.SetReturnCode(401, "GetApplicationInfo", 1);
-    ApplicationInfo app;
-    EXPECT_FALSE(Bms()->GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, 100, app)) << "booleans answer false";
-    EXPECT_TRUE(Bms()->GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, 100, app));
-}
-
-TEST_F(DeviceTest, AbsentAndLateServices)
-{
     auto& samgr = SystemAbilityManagerClient::GetInstance();
     std::atomic<int> added{0};
-    int handle = samgr.AddStatusListener([&added](int32_t id, bool up) {
-        if (id == 200 && up) {
-            added++;
-        }
-    });
+    int handle = samgr.AddStatusListener([&added](int32_t id, bool up) { added += id == 200 && up; });
     device_.SetServiceAbsent(200);
-    std::vector<int32_t> ids;
-    EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 4194321);
+    EXPECT_EQ(ActiveIds(), 4194321);
     device_.StartServiceAfter(200, std::chrono::milliseconds(30));
-    EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 4194321) << "not yet";
+    EXPECT_EQ(ActiveIds(), 4194321) << "not yet";
     for (int i = 0; i < 200 && added.load() == 0; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    EXPECT_EQ(added.load(), 1);
-    EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 0);
     samgr.RemoveStatusListener(handle);
-
+    EXPECT_EQ(added.load(), 1);
+    EXPECT_EQ(ActiveIds(), 0);
     device_.Deactivate();
-    EXPECT_EQ(Bms(), nullptr) << "deactivation removes every service";
     device_.StartServiceAfter(401, std::chrono::hours(1));
     device_.Activate();
-    EXPECT_EQ(Bms(), nullptr) << "a late service is not there at activation";
+    EXPECT_EQ(Bms(), nullptr) << "deactivation removed it; a late service is not there at activation";
 }
 
-TEST(DeviceIdentityTest, ProcessIdentityLastsWhileActiveAndCallingUidIsPerThread)
+TEST(DeviceRegistrationTest, IdentityInterfacesAndScope)
 {
     {
-        Device device;
+        Host::Device device;
         device.SetProcessIdentity("com.kavo.push", 20010001);
+        EXPECT_EQ(Service(401), nullptr) << "an inactive device registers nothing";
         device.Activate();
+        EXPECT_EQ(iface_cast<IAppMgr>(Service(401)), nullptr) << "the descriptor is checked";
         auto context = AbilityRuntime::Context::GetApplicationContext();
-        ASSERT_NE(context, nullptr);
-        EXPECT_EQ(context->GetBundleName(), "com.kavo.push");
+        EXPECT_EQ(context ? context->GetBundleName() : "", "com.kavo.push");
         EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010001) << "no call served: the process's own uid";
         IPCSkeleton::SetCallingUid(20010042);
         int32_t otherThread = 0;
         std::thread([&otherThread] { otherThread = IPCSkeleton::GetCallingUid(); }).join();
-        EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010042);
-        EXPECT_EQ(otherThread, 20010001);
+        EXPECT_EQ(std::make_pair(IPCSkeleton::GetCallingUid(), otherThread), std::make_pair(20010042, 20010001));
         IPCSkeleton::ResetCallingUid();
     }
     EXPECT_EQ(AbilityRuntime::Context::GetApplicationContext(), nullptr);
-    std::vector<int32_t> ids;
-    EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 4194321) << "the device's scope ended";
-}
-
-TEST(RemoteObjectTest, InterfaceCastChecksTheDescriptor)
-{
-    Device device;
-    sptr<IRemoteObject> remote =
-        SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401);
-    EXPECT_EQ(remote, nullptr) << "an inactive device registers nothing";
-    device.Activate();
-    remote = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(401);
-    EXPECT_NE(iface_cast<IBundleMgr>(remote), nullptr);
-    EXPECT_EQ(iface_cast<IAppMgr>(remote), nullptr);
-    EXPECT_EQ(iface_cast<IBundleMgr>(nullptr), nullptr);
-    SystemAbilityManagerClient::GetInstance().SetManagerAvailable(false);
-    EXPECT_EQ(SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(), nullptr);
-    std::vector<int32_t> ids;
-    EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(ids), 4194321);
-    SystemAbilityManagerClient::GetInstance().SetManagerAvailable(true);
+    EXPECT_EQ(ActiveIds(), 4194321) << "the device's scope ended";
 }
 
 }  // namespace

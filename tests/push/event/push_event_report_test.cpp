@@ -11,7 +11,6 @@
 
 namespace {
 
-using Kavo::SysEventRecorder;
 using Kavo::SysEventType;
 using Kavo::Push::PushEvent;
 using Kavo::Push::PushEventInfo;
@@ -22,73 +21,49 @@ std::vector<std::string> Describe(const Kavo::SysEventRecord& record)
 {
     std::vector<std::string> out;
     for (const auto& p : record.params) {
-        if (const auto* s = std::get_if<std::string>(&p.value)) {
-            out.push_back(p.key + "=s:" + *s);
-        } else if (const auto* i = std::get_if<int32_t>(&p.value)) {
-            out.push_back(p.key + "=i:" + std::to_string(*i));
-        } else {
-            out.push_back(p.key + "=u:" + std::to_string(std::get<uint64_t>(p.value)));
-        }
+        const auto* s = std::get_if<std::string>(&p.value);
+        const auto* i = std::get_if<int32_t>(&p.value);
+        out.push_back(p.key + (s   ? "=s:" + *s
+                               : i ? "=i:" + std::to_string(*i)
+                                   : "=u:" + std::to_string(std::get<uint64_t>(p.value))));
     }
     return out;
 }
 
-const PushEventInfo EXTENSION_RECORD("remoteNotification", "com.example.mail", "NotifyExt", 100, 7);
-const PushEventInfo SERVICE_RECORD = [] {
-    // Built with no application context and no account service: empty bundle, account 0.
-    return PushEventInfo("kavo.push.IPushService/RegisterToken", -2, 1234567890123UL);
-}();
+const PushEventInfo EXTENSION("remoteNotification", "com.example.mail", "NotifyExt", 100, 7);
+// Built with no application context and no account service: empty bundle, account 0.
+const PushEventInfo SERVICE("kavo.push.IPushService/RegisterToken", -2, 1234567890123UL);
 
 TEST(PushEventReportTest, RecordTypeChoosesTheSetAndTheEventAddsTheCost)
 {
-    const std::vector<std::string> extensionSet = {"EXTENSION_TYPE=s:remoteNotification",
-                                                   "BUNDLE_NAME=s:com.example.mail", "ABILITY_NAME=s:NotifyExt",
-                                                   "ACCOUNT_ID=i:100", "ERROR_CODE=i:7"};
-    const std::vector<std::string> serviceSet = {"URI=s:kavo.push.IPushService/RegisterToken",
-                                                 "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0", "ERROR_CODE=i:-2"};
-    const std::vector<std::string> invokeSet = {"URI=s:kavo.push.IPushService/RegisterToken",
-                                                "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0", "COST_TIME=u:1234567890123",
-                                                "ERROR_CODE=i:-2"};
-    struct Case {
-        const char* name;
-        PushEvent event;
-        const PushEventInfo& info;
-        std::string eventName;
-        SysEventType type;
-        std::vector<std::string> params;
-    };
+    using Set = std::vector<std::string>;
+    const Set extension = {"EXTENSION_TYPE=s:remoteNotification", "BUNDLE_NAME=s:com.example.mail",
+                           "ABILITY_NAME=s:NotifyExt", "ACCOUNT_ID=i:100", "ERROR_CODE=i:7"};
+    const Set service = {"URI=s:kavo.push.IPushService/RegisterToken", "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0",
+                         "ERROR_CODE=i:-2"};
+    const Set invoke = {"URI=s:kavo.push.IPushService/RegisterToken", "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0",
+                        "COST_TIME=u:1234567890123", "ERROR_CODE=i:-2"};
+    struct Case { PushEvent event; const PushEventInfo& info; std::string name; SysEventType type; const Set& params; };
     const Case cases[] = {
-        {"extension start is behaviour", PushEvent::START_EXTENSION, EXTENSION_RECORD, "START_EXTENSION",
-         SysEventType::BEHAVIOR, extensionSet},
-        {"extension start error is a fault with five parameters", PushEvent::START_EXTENSION_ERROR, EXTENSION_RECORD,
-         "START_EXTENSION_ERROR", SysEventType::FAULT, extensionSet},
-        {"an invocation with an extension record uses the extension set", PushEvent::INVOKE_PUSH_SERVICE,
-         EXTENSION_RECORD, "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR, extensionSet},
-        {"connection error with a service record has no cost", PushEvent::CONNECT_PUSHSERVICE_ERROR, SERVICE_RECORD,
-         "CONNECT_PUSHSERVICE_ERROR", SysEventType::FAULT, serviceSet},
-        {"disconnection error likewise", PushEvent::UNCONNECT_PUSHSERVICE_ERROR, SERVICE_RECORD,
-         "UNCONNECT_PUSHSERVICE_ERROR", SysEventType::FAULT, serviceSet},
-        {"an invocation puts the cost before the result", PushEvent::INVOKE_PUSH_SERVICE, SERVICE_RECORD,
-         "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR, invokeSet},
+        {PushEvent::START_EXTENSION, EXTENSION, "START_EXTENSION", SysEventType::BEHAVIOR, extension},
+        {PushEvent::START_EXTENSION_ERROR, EXTENSION, "START_EXTENSION_ERROR", SysEventType::FAULT, extension},
+        {PushEvent::INVOKE_PUSH_SERVICE, EXTENSION, "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR, extension},
+        {PushEvent::CONNECT_PUSHSERVICE_ERROR, SERVICE, "CONNECT_PUSHSERVICE_ERROR", SysEventType::FAULT, service},
+        {PushEvent::UNCONNECT_PUSHSERVICE_ERROR, SERVICE, "UNCONNECT_PUSHSERVICE_ERROR", SysEventType::FAULT, service},
+        {PushEvent::INVOKE_PUSH_SERVICE, SERVICE, "INVOKE_PUSH_SERVICE", SysEventType::BEHAVIOR, invoke},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        SysEventRecorder recorder;
+        Kavo::SysEventRecorder recorder;
         PushEventReport::SendEvent(c.event, c.info);
         auto events = recorder.Events();
-        ASSERT_EQ(events.size(), 1u);
-        EXPECT_EQ(events[0].domain, "PUSH_MANAGER");
-        EXPECT_EQ(events[0].name, c.eventName);
-        EXPECT_EQ(events[0].type, c.type);
-        EXPECT_EQ(Describe(events[0]), c.params);
+        ASSERT_EQ(events.size(), 1u) << c.name;
+        EXPECT_EQ(std::make_tuple(events[0].domain, events[0].name, events[0].type),
+                  std::make_tuple("PUSH_MANAGER", c.name, c.type));
+        EXPECT_EQ(Describe(events[0]), c.params) << c.name;
     }
-}
-
-TEST(PushEventReportTest, EventOutsideTheCatalogueThrowsAndWritesNothing)
-{
-    SysEventRecorder recorder;
-    EXPECT_THROW(PushEventReport::SendEvent(static_cast<PushEvent>(5), EXTENSION_RECORD), std::out_of_range);
-    EXPECT_TRUE(recorder.Events().empty());
+    Kavo::SysEventRecorder recorder;
+    EXPECT_THROW(PushEventReport::SendEvent(static_cast<PushEvent>(5), EXTENSION), std::out_of_range);
+    EXPECT_TRUE(recorder.Events().empty()) << "an event outside the catalogue writes nothing";
 }
 
 TEST(PushEventInfoTest, ServiceRecordTakesThisProcesssBundleAndAccount)
@@ -98,13 +73,8 @@ TEST(PushEventInfoTest, ServiceRecordTakesThisProcesssBundleAndAccount)
     device.SetProcessIdentity("com.kavo.push", 101 * 200000 + 3100);
     device.Activate();
     PushEventInfo info("kavo.push.IPushService/Subscribe", 0);
-    EXPECT_EQ(info.GetBundleName(), "com.kavo.push");
-    EXPECT_EQ(info.GetAccountId(), 101);
-    EXPECT_EQ(info.GetType(), 0);
-    EXPECT_EQ(info.GetCostTime(), 0u);
-    EXPECT_TRUE(info.GetExtensionType().empty());
-    EXPECT_EQ(EXTENSION_RECORD.GetType(), 1);
-    EXPECT_TRUE(EXTENSION_RECORD.GetUri().empty());
+    EXPECT_EQ(std::make_tuple(info.GetBundleName(), info.GetAccountId(), info.GetType(), info.GetCostTime()),
+              std::make_tuple("com.kavo.push", 101, 0, 0u));
 }
 
 }  // namespace

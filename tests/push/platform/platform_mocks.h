@@ -1,6 +1,6 @@
 // GoogleMock services of the platform and the fixtures the platform suites share: a mock
 // registered under its system ability id for the scope, a recorder of analytics events, and a
-// readiness registry reset around each test.
+// readiness registry reset around each test. Single-threaded use, except EventRecorder.
 #ifndef KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 #define KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 
@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "kavo/host/account/iaccount_service.h"
@@ -23,15 +24,18 @@
 
 namespace KavoTest {
 
-// Whether the capture holds a line with exactly this text.
+using namespace Kavo::AppExecFwk;
+using Kavo::AAFwk::Want;
+using ::testing::_;
+using ::testing::DoAll;
+using ::testing::Return;
+using ::testing::SetArgReferee;
+
 inline bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
 {
     const auto texts = cap.Texts();
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
-
-using namespace Kavo::AppExecFwk;
-using Kavo::AAFwk::Want;
 
 class MockBundleMgr : public IBundleMgr {
 public:
@@ -88,9 +92,8 @@ public:
     ~ScopedMockService() { Kavo::SystemAbilityManagerClient::GetInstance().RemoveSystemAbility(id_); }
     ScopedMockService(const ScopedMockService&) = delete;
     ScopedMockService& operator=(const ScopedMockService&) = delete;
-
     ::testing::StrictMock<Mock>& operator*() { return *mock_; }
-    ::testing::StrictMock<Mock>* operator->() { return mock_.GetRefPtr(); }
+    void Verify() { ::testing::Mock::VerifyAndClearExpectations(mock_.GetRefPtr()); }
 
 private:
     int32_t id_;
@@ -102,66 +105,43 @@ using ScopedAppMgr = ScopedMockService<MockAppMgr, IAppMgr>;
 using ScopedAccountService = ScopedMockService<MockAccountService, Kavo::AccountSA::IAccountService>;
 using ScopedTimeService = ScopedMockService<MockTimeService, Kavo::MiscServices::ITimeService>;
 
-// One analytics event as the push service's hook receives it.
-struct AnalyticsEvent {
-    int component;
-    std::string apiName;
-    int status;
-    std::string detail;
-    bool operator==(const AnalyticsEvent& o) const
-    {
-        return std::tie(component, apiName, status, detail) == std::tie(o.component, o.apiName, o.status, o.detail);
-    }
-};
+// One analytics event: component, api name, status, detail.
+using AnalyticsEvent = std::tuple<int, std::string, int, std::string>;
+using Events = std::vector<AnalyticsEvent>;
 
-inline std::ostream& operator<<(std::ostream& os, const AnalyticsEvent& e)
-{
-    return os << "{" << e.component << ", " << e.apiName << ", " << e.status << ", " << e.detail << "}";
-}
-
-// Installs an analytics event hook for its lifetime and records every event.
+// Installs an analytics event hook for its lifetime; Take() hands over what came since the last Take().
 class EventRecorder {
 public:
     EventRecorder()
     {
-        Kavo::Push::TeldricHelper::RegisterAddEventMethod([this](Kavo::Push::ComponentCode c, const std::string& api,
-                                                                 Kavo::Push::ApiStatusCode s, const std::string& d) {
+        Kavo::Push::TeldricHelper::RegisterAddEventMethod([this](auto c, const auto& api, auto s, const auto& d) {
             std::lock_guard<std::mutex> lock(mutex_);
-            events_.push_back({c, api, s, d});
+            events_.emplace_back(c, api, s, d);
         });
     }
     ~EventRecorder() { Kavo::Push::TeldricHelper::RegisterAddEventMethod(nullptr); }
-    EventRecorder(const EventRecorder&) = delete;
-    EventRecorder& operator=(const EventRecorder&) = delete;
-
-    std::vector<AnalyticsEvent> Events() const
+    Events Take()
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        return events_;
+        return std::exchange(events_, {});
     }
 
 private:
-    mutable std::mutex mutex_;
-    std::vector<AnalyticsEvent> events_;
+    std::mutex mutex_;
+    Events events_;
 };
 
-// The readiness registry of platform services, empty (every service UNKNOWN: no waiting) for
-// the scope unless a test marks services, and a short poll so that waits stay fast.
+// The readiness registry, empty (every service UNKNOWN: no waiting) for the scope unless a test
+// tracks services, and a short poll so that waits stay fast.
 class ScopedReadiness {
 public:
     using Service = Kavo::Push::SystemAbilityStatusService;
-    static constexpr int POLL_MS = 5;
-
     ScopedReadiness()
     {
         Clear();
-        Service::SetPollIntervalForTesting(POLL_MS);
+        Service::SetPollIntervalForTesting(5);
     }
     ~ScopedReadiness() { Clear(); }
-    ScopedReadiness(const ScopedReadiness&) = delete;
-    ScopedReadiness& operator=(const ScopedReadiness&) = delete;
-
-    // Services now answer STARTED or STOPPED (instead of UNKNOWN).
     void Track(int id, Service::Status status)
     {
         Service::SetStatus(Service::ANCHOR_ABILITY_ID, Service::STARTED);

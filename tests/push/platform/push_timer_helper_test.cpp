@@ -2,13 +2,10 @@
 // asks for, the one retried step, and each failure's texts, events and reports.
 #include "kavo/push/platform/push_timer_helper.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 
-#include "kavo/host/log/log.h"
 #include "kavo/push/platform/system_clock_util.h"
 #include "tests/push/platform/platform_mocks.h"
 #include "tests/support/test_support.h"
@@ -20,20 +17,15 @@ using Kavo::MiscServices::TimeServiceClient;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushTimerHelper;
 using Kavo::Push::PushTimerInfo;
-using Kavo::Push::SystemClockUtil;
-using ::testing::_;
-using ::testing::Return;
 using Reports = std::vector<std::pair<int, std::string>>;
+using Act = PushBaseRsp (*)(const std::shared_ptr<PushTimerInfo>&);
 
 constexpr int TIME_SERVICE = 3702;
 constexpr int64_t BOOT_MS = 5000000;
 
 class TimerHelperTest : public ::testing::Test {
 protected:
-    TimerHelperTest()
-    {
-        TimeServiceClient::SetBootTimeSource([this] { return bootMs_; });
-    }
+    TimerHelperTest() { TimeServiceClient::SetBootTimeSource([this] { return bootMs_; }); }
     ~TimerHelperTest() override
     {
         TimeServiceClient::SetBootTimeSource(nullptr);
@@ -50,30 +42,20 @@ protected:
 
 TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
 {
-    struct Case {
-        const char* name;
-        int duration;
-        bool wakeup;
-        int type;
-        uint64_t deadline;
-    };
-    const Case cases[] = {
-        {"thirty seconds, realtime and exact", 30, false, 1 | 4, BOOT_MS + 30000},
-        {"wakeup adds its bit", 30, true, 1 | 2 | 4, BOOT_MS + 30000},
-        {"a zero duration fires now", 0, false, 5, BOOT_MS},
-        {"seconds past the 32-bit millisecond range", 3000000, false, 5, BOOT_MS + 3000000000ULL},
-    };
-    uint64_t nextId = 41;
+    struct Case { int duration; bool wakeup; int type; uint64_t deadline; };
+    const Case cases[] = {{30, false, 1 | 4, BOOT_MS + 30000}, {30, true, 1 | 2 | 4, BOOT_MS + 30000},
+                          {0, false, 5, BOOT_MS}, {3000000, false, 5, BOOT_MS + 3000000000ULL}};
+    uint64_t id = 41;
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.duration);
         auto timer = std::make_shared<PushTimerInfo>(c.duration);
         timer->SetWakeup(c.wakeup);
-        EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(++nextId));
-        EXPECT_CALL(*service_, StartTimer(nextId, c.deadline)).WillOnce(Return(true));
+        EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(++id));
+        EXPECT_CALL(*service_, StartTimer(id, c.deadline)).WillOnce(Return(true));
         EXPECT_TRUE(PushTimerHelper::StartTimer(timer).Succeed());
-        EXPECT_EQ(timer->GetTimerId(), nextId);
+        EXPECT_EQ(timer->GetTimerId(), id);
         EXPECT_EQ(timer->type, c.type);
-        ::testing::Mock::VerifyAndClearExpectations(&*service_);
+        service_.Verify();
     }
     auto timer = std::make_shared<PushTimerInfo>(10);
     timer->SetTimerId(7);
@@ -82,77 +64,55 @@ TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
     EXPECT_TRUE(PushTimerHelper::RestartTimer(timer).Succeed()) << "restart keeps the id, moves the deadline";
 }
 
+// A null timer: one log line, an exception report with the same text, no event.
 TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
 {
-    struct Case {
-        const char* name;
-        std::function<PushBaseRsp()> act;
-        std::string log;
-        std::string desc;
-    };
-    const Case cases[] = {
-        {"start", [] { return PushTimerHelper::StartTimer(nullptr); }, "StartTimer: timerInfo is Null",
-         "StartTimer: New Timer Error"},
-        {"start new", [] { return PushTimerHelper::StartNewTimer(nullptr); }, "StartNewTimer: timerInfo is Null",
-         "StartNewTimer: New Timer Error"},
-        {"stop", [] { return PushTimerHelper::StopTimer(nullptr); }, "StopTimer: currTimerInfo is nullptr",
+    const std::tuple<Act, std::string, std::string> cases[] = {
+        {PushTimerHelper::StartTimer, "StartTimer: timerInfo is Null", "StartTimer: New Timer Error"},
+        {PushTimerHelper::StartNewTimer, "StartNewTimer: timerInfo is Null", "StartNewTimer: New Timer Error"},
+        {PushTimerHelper::StopTimer, "StopTimer: currTimerInfo is nullptr",
          "Current Timer of PushTimerHelper::StopTimer is Null"},
-        {"destroy", [] { return PushTimerHelper::DestoryTimer(nullptr); }, "DestoryTimer: currTimerInfo is nullptr",
-         "current timer is null"},
-        {"restart names StopTimer in its description", [] { return PushTimerHelper::RestartTimer(nullptr); },
-         "RestartTimer: currTimerInfo is nullptr", "Current Timer of PushTimerHelper::StopTimer is Null"},
+        {PushTimerHelper::DestoryTimer, "DestoryTimer: currTimerInfo is nullptr", "current timer is null"},
+        {PushTimerHelper::RestartTimer, "RestartTimer: currTimerInfo is nullptr",
+         "Current Timer of PushTimerHelper::StopTimer is Null"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        reports_.Clear();
+    for (const auto& [act, log, desc] : cases) {
         cap_.Clear();
-        PushBaseRsp rsp = c.act();
-        EXPECT_EQ(rsp.GetErr(), 1000900001);
-        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_EQ(cap_.Texts(), std::vector<std::string>{c.log});
-        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, c.log}}));
+        reports_.Clear();
+        PushBaseRsp rsp = act(nullptr);
+        EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(1000900001, desc));
+        EXPECT_EQ(cap_.Texts(), std::vector<std::string>{log});
+        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, log}}));
     }
-    EXPECT_TRUE(events_.Events().empty());
+    EXPECT_EQ(events_.Take(), Events{});
 }
 
+// A refusal and a missing client: their texts and events, no report.
 TEST_F(TimerHelperTest, RefusalsAndAMissingClientSendTheirEvents)
 {
-    struct Case {
-        const char* name;
-        std::function<void(MockTimeService&)> refuse;
-        std::function<PushBaseRsp(const std::shared_ptr<PushTimerInfo>&)> act;
-        std::string refusedLog, refusedDesc, refusedApi, noClientLog;
-    };
+    struct Case { Act act; std::function<void(MockTimeService&)> refuse; std::string log, desc, api, noClientLog; };
     const Case cases[] = {
-        {"stop", [](MockTimeService& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); },
-         PushTimerHelper::StopTimer, "StopTimer: Stop Timer Failed", "Stop timer failed", "StopTimer",
-         "StopTimer: Get System Timer is Null"},
-        {"destroy", [](MockTimeService& m) { EXPECT_CALL(m, DestroyTimer(9)).WillOnce(Return(false)); },
-         PushTimerHelper::DestoryTimer, "DestoryTimer: Destroy Timer Failed", "Destroy timer failed", "DestroyTimer",
+        {PushTimerHelper::StopTimer, [](auto& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); },
+         "StopTimer: Stop Timer Failed", "Stop timer failed", "StopTimer", "StopTimer: Get System Timer is Null"},
+        {PushTimerHelper::DestoryTimer, [](auto& m) { EXPECT_CALL(m, DestroyTimer(9)).WillOnce(Return(false)); },
+         "DestoryTimer: Destroy Timer Failed", "Destroy timer failed", "DestroyTimer",
          "DestoryTimer: Get System Timer is Null"},
-        {"restart", [](MockTimeService& m) { EXPECT_CALL(m, StartTimer(9, BOOT_MS + 60000)).WillOnce(Return(false)); },
-         PushTimerHelper::RestartTimer, "RestartTimer: ReStart Timer Failed", "ReStart Timer failed", "StartTimer",
+        {PushTimerHelper::RestartTimer,
+         [](auto& m) { EXPECT_CALL(m, StartTimer(9, BOOT_MS + 60000)).WillOnce(Return(false)); },
+         "RestartTimer: ReStart Timer Failed", "ReStart Timer failed", "StartTimer",
          "RestartTimer: Get System Timer is Null"},
     };
     auto timer = std::make_shared<PushTimerInfo>(60);
     timer->SetTimerId(9);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        std::vector<AnalyticsEvent> before = events_.Events();
         c.refuse(*service_);
-        cap_.Clear();
-        PushBaseRsp refused = c.act(timer);
-        EXPECT_EQ(refused.GetErrDescription(), c.refusedDesc);
-        EXPECT_TRUE(HasLine(cap_, c.refusedLog));
+        EXPECT_EQ(c.act(timer).GetErrDescription(), c.desc);
         TimeServiceClient::SetClientAvailable(false);
-        PushBaseRsp noClient = c.act(timer);
+        EXPECT_EQ(c.act(timer).GetErrDescription(), "Get system timer is null");
         TimeServiceClient::SetClientAvailable(true);
-        EXPECT_EQ(noClient.GetErrDescription(), "Get system timer is null");
-        EXPECT_TRUE(HasLine(cap_, c.noClientLog));
-        std::vector<AnalyticsEvent> all = events_.Events();
-        EXPECT_EQ(std::vector<AnalyticsEvent>(all.begin() + before.size(), all.end()),
-                  (std::vector<AnalyticsEvent>{{18, c.refusedApi, 1, "0"},
-                                               {18, "GetInstance", 1, "Get System Timer is Null"}}));
+        EXPECT_TRUE(HasLine(cap_, c.log) && HasLine(cap_, c.noClientLog)) << c.api;
+        EXPECT_EQ(events_.Take(),
+                  (Events{{18, c.api, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
     }
     EXPECT_TRUE(reports_.Reports().empty());
 }
@@ -161,57 +121,35 @@ TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
 {
     auto timer = std::make_shared<PushTimerInfo>(5);
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
-    PushBaseRsp notCreated = PushTimerHelper::StartNewTimer(timer);
-    EXPECT_EQ(notCreated.GetErrDescription(), "create timer fail: time service sa not started");
+    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(),
+              "create timer fail: time service sa not started");
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Create Timer Fail"));
     EXPECT_TRUE(HasLine(cap_, "create timer failed cause time service sa not started :create timer fail: time "
                               "service sa not started: error(1000900001)"));
     EXPECT_EQ(timer->GetTimerId(), 0u);
-
     readiness_.Track(TIME_SERVICE, ScopedReadiness::Service::STOPPED);
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
     EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetInnerErr(), Kavo::Push::INNER_ERR_SA_STOPPED);
-
     readiness_.Track(TIME_SERVICE, ScopedReadiness::Service::STARTED);
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(12));
     EXPECT_CALL(*service_, StartTimer(12, BOOT_MS + 5000)).WillOnce(Return(false));
-    cap_.Clear();
     EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(), "start timer fail");
     EXPECT_EQ(timer->GetTimerId(), 12u) << "the id is kept even when the start is refused";
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Start Timer Fail"));
-    EXPECT_EQ(events_.Events(),
-              (std::vector<AnalyticsEvent>{
-                  {18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"}, {18, "StartTimer", 1, "0"}}));
+    EXPECT_EQ(events_.Take(), (Events{{18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"},
+                                      {18, "StartTimer", 1, "0"}}));
 }
 
 TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)
 {
-    struct Case {
-        const char* name;
-        int64_t answer;
-        int64_t result;
-        bool reported;
-    };
-    const Case cases[] = {
-        {"zero", 0, -1, true},
-        {"negative", -20, -1, true},
-        {"one millisecond", 1, 1, false},
-        {"a long uptime", 86400000LL * 400, 86400000LL * 400, false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        bootMs_ = c.answer;
-        std::vector<AnalyticsEvent> before = events_.Events();
-        EXPECT_EQ(SystemClockUtil::GetBootTimeMillis(), c.result);
-        std::vector<AnalyticsEvent> all = events_.Events();
-        std::vector<AnalyticsEvent> sent(all.begin() + before.size(), all.end());
-        EXPECT_EQ(sent.size(), c.reported ? 1u : 0u);
-        if (c.reported) {
-            EXPECT_EQ(sent[0], (AnalyticsEvent{18, "GetBootTimeMs", 1, std::to_string(c.answer)}));
-        }
+    const std::pair<int64_t, int64_t> cases[] = {{0, -1}, {-20, -1}, {1, 1}, {86400000LL * 400, 86400000LL * 400}};
+    for (const auto& [answer, result] : cases) {
+        bootMs_ = answer;
+        EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), result);
+        EXPECT_EQ(events_.Take(), (answer < 1 ? Events{{18, "GetBootTimeMs", 1, std::to_string(answer)}} : Events{}));
     }
     TimeServiceClient::SetClientAvailable(false);
-    EXPECT_EQ(SystemClockUtil::GetBootTimeMillis(), -1) << "no client reads as boot time 0";
+    EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), -1) << "no client reads as boot time 0";
 }
 
 }  // namespace
