@@ -35,7 +35,10 @@ ErrCode WithService(Call&& call)
 
 ErrCode OsAccountManager::QueryActiveOsAccountIds(std::vector<int32_t>& ids)
 {
-    return WithService([&ids](IAccountService& s) { return s.QueryActiveOsAccountIds(ids); });
+    return WithService([&ids](IAccountService& s) {
+        ids.clear();
+        return s.QueryActiveOsAccountIds(ids);
+    });
 }
 
 ErrCode OsAccountManager::GetOsAccountLocalIdFromUid(int32_t uid, int32_t& localId)

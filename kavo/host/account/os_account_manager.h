@@ -15,6 +15,7 @@ namespace Kavo::AccountSA {
 
 class KAVO_HOST_EXPORT OsAccountManager {
 public:
+    // Clears `ids` (when the service is reached), then lets the service fill it.
     static ErrCode QueryActiveOsAccountIds(std::vector<int32_t>& ids);
     static ErrCode GetOsAccountLocalIdFromUid(int32_t uid, int32_t& localId);
     static ErrCode GetOsAccountLocalIdFromProcess(int32_t& localId);

@@ -34,10 +34,9 @@ public:
     virtual ErrCode GetNameForUid(int32_t uid, std::string& bundleName) = 0;
     // INVALID_UID for a bundle, user or app index the manager does not know.
     virtual int32_t GetUidByBundleName(const std::string& bundleName, int32_t userId, int32_t appIndex) = 0;
-    virtual ErrCode GetBundleInfoV9(const std::string& bundleName, int32_t flags, BundleInfo& info,
-                                    int32_t userId) = 0;
-    virtual ErrCode GetCloneBundleInfo(const std::string& bundleName, int32_t flags, int32_t appIndex,
-                                       BundleInfo& info, int32_t userId) = 0;
+    virtual ErrCode GetBundleInfoV9(const std::string& bundleName, int32_t flags, BundleInfo& info, int32_t userId) = 0;
+    virtual ErrCode GetCloneBundleInfo(const std::string& bundleName, int32_t flags, int32_t appIndex, BundleInfo& info,
+                                       int32_t userId) = 0;
     virtual ErrCode GetNameAndIndexForUid(int32_t uid, std::string& bundleName, int32_t& appIndex) = 0;
     virtual ErrCode IsBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
                                       bool& isInstalled) = 0;
