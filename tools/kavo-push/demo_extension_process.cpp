@@ -42,8 +42,8 @@ bool ExtensionProcess::Start(ExtensionBehaviour behaviour, std::string& command)
     if (!Kavo::MakeIpcSocketPair(serviceEnd, extensionEnd)) {
         return false;
     }
-    std::vector<std::string> args = {"kavo-push", "extension", "--fd", std::to_string(extensionEnd),
-                                     "--behaviour", BehaviourName(behaviour)};
+    std::vector<std::string> args = {
+        "kavo-push", "extension", "--fd", std::to_string(extensionEnd), "--behaviour", BehaviourName(behaviour)};
     std::vector<char*> argv;
     argv.reserve(args.size() + 1);
     for (auto& arg : args) {

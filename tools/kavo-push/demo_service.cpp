@@ -100,7 +100,8 @@ PushBaseRsp CheckExtension(Run& run)
     bool foreground = false;
     rsp = PushBundleHelper::IsRemoteForegrounding(run.caller, pid, foreground, false);
     run.trace.Step("extension process", running ? "running" : "not running",
-                   "application pid " + std::to_string(pid) + (foreground ? " in the foreground" : " in the background"));
+                   "application pid " + std::to_string(pid) +
+                       (foreground ? " in the foreground" : " in the background"));
     return rsp;
 }
 
@@ -142,12 +143,13 @@ PushBaseRsp RunExtension(Run& run, Kavo::Parcel& reply)
     run.trace.Step("start extension", "ok", "pid " + std::to_string(pid) + ": " + command);
     PushBaseRsp rsp = CallExtension(run, extension, reply);
     bool answered = rsp.Succeed();
-    run.trace.Step("extension process ends", "ok", extension.Finish(answered ? EXIT_GRACE : std::chrono::milliseconds(0)));
+    run.trace.Step("extension process ends", "ok",
+                   extension.Finish(answered ? EXIT_GRACE : std::chrono::milliseconds(0)));
     run.device.StopProcess(pid);
     if (!answered) {
-        PushEventReport::SendEvent(PushEvent::START_EXTENSION_ERROR,
-                                   PushEventInfo("remoteNotification", bundle, DemoApp::EXTENSION, run.caller.userId,
-                                                 rsp.GetErrAsInt32()));
+        PushEventReport::SendEvent(
+            PushEvent::START_EXTENSION_ERROR,
+            PushEventInfo("remoteNotification", bundle, DemoApp::EXTENSION, run.caller.userId, rsp.GetErrAsInt32()));
     }
     return rsp;
 }
@@ -178,7 +180,8 @@ PushBaseRsp CheckResult(Run& run, Kavo::Parcel& reply)
         run.trace.Step("read RemoteNotificationResult", "failed", "the reply is not a result");
         return PushBaseRsp(PUSH_ERR_NOTIFICATION_CONTENT_INVALID);
     }
-    run.trace.Step("read RemoteNotificationResult", "ok", std::to_string(reply.GetDataSize()) + " bytes" + Answerer(*run.result));
+    run.trace.Step("read RemoteNotificationResult", "ok",
+                   std::to_string(reply.GetDataSize()) + " bytes" + Answerer(*run.result));
     RemoteNotificationContent content = run.result->GetContent();
     Kavo::Parcel measured;
     content.Marshalling(measured);

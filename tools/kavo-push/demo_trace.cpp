@@ -20,7 +20,8 @@ std::string HexText(const std::string& bytes)
         return std::string(ToHex(bytes));
     }
     size_t head = SHOWN_BYTES - TAIL_BYTES;
-    return std::string(ToHex(bytes.substr(0, head))) + " ... " + std::string(ToHex(bytes.substr(bytes.size() - TAIL_BYTES)));
+    return std::string(ToHex(bytes.substr(0, head))) + " ... " +
+           std::string(ToHex(bytes.substr(bytes.size() - TAIL_BYTES)));
 }
 
 Json::Value EventJson(const Kavo::SysEventRecord& event)
@@ -103,8 +104,8 @@ std::string DemoTrace::Text() const
     for (const auto& event : events_) {
         out << "  " << Kavo::SysEventToJson(event) << "\n";
     }
-    out << "\ncode: " << code_ << "\nmessage: " << (message_.empty() ? "(success)" : message_) << "\nresult: "
-        << (result_.isNull() ? "none\n" : "\n" + JsonText(result_));
+    out << "\ncode: " << code_ << "\nmessage: " << (message_.empty() ? "(success)" : message_)
+        << "\nresult: " << (result_.isNull() ? "none\n" : "\n" + JsonText(result_));
     return out.str();
 }
 

@@ -55,11 +55,16 @@ struct StepCheck {
     std::string detail = "";
 };
 
-struct Scenario {
+// The outcome the application receives, and whether the extension process was started.
+struct Outcome {
     const char* name;
     int code;
     std::string message;
     bool extensionStarted;
+};
+
+struct Scenario {
+    Outcome outcome;
     std::vector<StepCheck> steps;
     std::vector<std::string> events;
 };
@@ -69,41 +74,45 @@ const std::vector<Scenario>& Scenarios()
     const StepCheck called{"extension call", "ok", {}, "OK within the survival time of 5 s"};
     const StepCheck exited{"extension process ends", "ok", {}, "exited with status 0"};
     static const std::vector<Scenario> scenarios = {
-        {"default", 0, "", true,
+        {{"default", 0, "", true},
          {{"caller identity", "ok", {"INFO GetCallingUid uid: 20010042", "INFO Get clientUserInfo succeed"}},
           {"extension process", "not running", {}, "application pid 3001 in the background"},
           called,
           exited,
           {"validate overlay icon", "ok", {}, "kept"}},
          {"START_EXTENSION 0"}},
-        {"bad-survival-time", 401, "Invalid input parameter.", false,
+        {{"bad-survival-time", 401, "Invalid input parameter.", false},
          {{"validate request", "failed", {"ERROR survival time is invalid: 0", "ERROR Validate Survival Time Fail"}}},
          {}},
-        {"missing-extension", 1000900002, "Push extension does not exist.", false,
-         {{"remote-notification extension exists", "failed", {"ERROR query extension fail:8521221"}}}, {}},
-        {"account-service-late", 0, "", true,
+        {{"missing-extension", 1000900002, "Push extension does not exist.", false},
+         {{"remote-notification extension exists", "failed", {"ERROR query extension fail:8521221"}}},
+         {}},
+        {{"account-service-late", 0, "", true},
          {{"foreground account",
            "ok",
            {"ERROR getForegroundOsAccounts fail: account sa not started", "WARN Begin do task for ability:200 again"}},
           called},
          {"START_EXTENSION 0"}},
-        {"oversized-content", 1000900027, "Remote notification content is invalid.", true,
-         {called, {"validate content", "failed", {"ERROR remote notification content is invalid: Content size is 10112 over 8192"}}},
+        {{"oversized-content", 1000900027, "Remote notification content is invalid.", true},
+         {called,
+          {"validate content",
+           "failed",
+           {"ERROR remote notification content is invalid: Content size is 10112 over 8192"}}},
          {"START_EXTENSION 0"}},
-        {"oversized-icon", 0, "", true,
+        {{"oversized-icon", 0, "", true},
          {{"validate content", "ok", {}},
           {"validate overlay icon",
            "removed",
            {"ERROR remote notification content is invalid: Overlay icon size is 4096 over 2048"}}},
          {"START_EXTENSION 0"}},
-        {"extension-crash", 1000900003, "Push extension callback execution failed.", true,
+        {{"extension-crash", 1000900003, "Push extension callback execution failed.", true},
          {{"extension call", "failed", {}, "PEER_GONE"}, {"extension process ends", "ok", {}, "killed by signal 6"}},
          {"START_EXTENSION 0", "START_EXTENSION_ERROR 1000900003"}},
-        {"extension-timeout", 1000900004, "Push extension callback execution timed out.", true,
+        {{"extension-timeout", 1000900004, "Push extension callback execution timed out.", true},
          {{"extension call", "failed", {}, "DEADLINE_PASSED within the survival time of 1 s"},
           {"extension process ends", "ok", {}, "killed by signal 9"}},
          {"START_EXTENSION 0", "START_EXTENSION_ERROR 1000900004"}},
-        {"extension-garbage", 1000900027, "Remote notification content is invalid.", true,
+        {{"extension-garbage", 1000900027, "Remote notification content is invalid.", true},
          {called,
           {"read RemoteNotificationResult",
            "failed",
@@ -138,7 +147,8 @@ class DemoCommandTest : public ::testing::Test {};
 
 TEST_F(DemoCommandTest, EveryScenarioEndsInItsPublicCodeAndMessage)
 {
-    for (const auto& s : Scenarios()) {
+    for (const auto& scenario : Scenarios()) {
+        const Outcome& s = scenario.outcome;
         SCOPED_TRACE(s.name);
         ToolRun run = RunTool({"demo", "--scenario", s.name, "--json"});
         ASSERT_EQ(run.status, 0) << run.err;
@@ -148,7 +158,7 @@ TEST_F(DemoCommandTest, EveryScenarioEndsInItsPublicCodeAndMessage)
         EXPECT_EQ(trace["message"].asString(), s.message);
         EXPECT_EQ(trace["result"].isNull(), s.code != 0);
         CheckProcesses(trace, s.extensionStarted);
-        for (const auto& check : s.steps) {
+        for (const auto& check : scenario.steps) {
             const Json::Value* step = FindStep(trace, check.name);
             ASSERT_NE(step, nullptr) << check.name;
             EXPECT_EQ((*step)["outcome"].asString(), check.outcome) << check.name;
@@ -161,7 +171,7 @@ TEST_F(DemoCommandTest, EveryScenarioEndsInItsPublicCodeAndMessage)
         for (const auto& event : trace["events"]) {
             events.push_back(event["name"].asString() + " " + event["params"]["ERROR_CODE"].asString());
         }
-        EXPECT_EQ(events, s.events);
+        EXPECT_EQ(events, scenario.events);
     }
 }
 
@@ -204,7 +214,7 @@ TEST_F(DemoCommandTest, TextTraceShowsStepsBytesEventsAndResult)
     }
     std::set<std::string> expected;
     for (const auto& s : Scenarios()) {
-        expected.insert(s.name);
+        expected.insert(s.outcome.name);
     }
     EXPECT_EQ(listed, expected);
 }
