@@ -24,6 +24,7 @@ using Kavo::AppExecFwk::ExtensionAbilityType;
 using Kavo::AppExecFwk::ProcessType;
 
 constexpr auto EXIT_GRACE = std::chrono::milliseconds(2000);
+constexpr auto NO_GRACE = std::chrono::milliseconds(0);
 constexpr int MS_PER_SECOND = 1000;
 
 // One request's way through the service.
@@ -142,11 +143,11 @@ PushBaseRsp RunExtension(Run& run, Kavo::Parcel& reply)
                              ProcessType::EXTENSION, ExtensionAbilityType::REMOTE_NOTIFICATION});
     run.trace.Step("start extension", "ok", "pid " + std::to_string(pid) + ": " + command);
     PushBaseRsp rsp = CallExtension(run, extension, reply);
-    bool answered = rsp.Succeed();
-    run.trace.Step("extension process ends", "ok",
-                   extension.Finish(answered ? EXIT_GRACE : std::chrono::milliseconds(0)));
+    // A crashed extension may still be on its way out; only one that missed its deadline is killed at once.
+    bool timedOut = rsp.GetErr() == PUSH_ERR_EXTENSION_CALLBACK_TIMEOUT;
+    run.trace.Step("extension process ends", "ok", extension.Finish(timedOut ? NO_GRACE : EXIT_GRACE));
     run.device.StopProcess(pid);
-    if (!answered) {
+    if (!rsp.Succeed()) {
         PushEventReport::SendEvent(
             PushEvent::START_EXTENSION_ERROR,
             PushEventInfo("remoteNotification", bundle, DemoApp::EXTENSION, run.caller.userId, rsp.GetErrAsInt32()));
