@@ -152,6 +152,7 @@ TEST_F(DemoCommandTest, EveryScenarioEndsInItsPublicCodeAndMessage)
         SCOPED_TRACE(s.name);
         ToolRun run = RunTool({"demo", "--scenario", s.name, "--json"});
         ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.err, "") << "neither process reports anything beside the trace";
         Json::Value trace = Parse(run.out);
         EXPECT_EQ(trace["scenario"].asString(), s.name);
         EXPECT_EQ(trace["code"].asInt(), s.code);
