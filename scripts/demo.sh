@@ -5,4 +5,4 @@ cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake --preset default >/dev/null
 cmake --build --preset default --target kavo-push >/dev/null
-exec ./build/default/tools/kavo-push/kavo-push errors "$@"
+exec ./build/default/tools/kavo-push/kavo-push demo "$@"
