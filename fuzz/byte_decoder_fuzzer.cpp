@@ -65,15 +65,33 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     const size_t length = bytes[2];
     const std::string data(reinterpret_cast<const char*>(bytes) + 3, size - 3);
     switch (bytes[0] % 9) {
-        case 0: CheckFixed(&ByteDecoder::DecodeAsChar, data, offset); break;
-        case 1: CheckFixed(&ByteDecoder::DecodeAsInt8, data, offset); break;
-        case 2: CheckFixed(&ByteDecoder::DecodeAsUint16, data, offset); break;
-        case 3: CheckFixed(&ByteDecoder::DecodeAsInt16, data, offset); break;
-        case 4: CheckFixed(&ByteDecoder::DecodeAsUint32, data, offset); break;
-        case 5: CheckFixed(&ByteDecoder::DecodeAsInt32, data, offset); break;
-        case 6: CheckFixed(&ByteDecoder::DecodeAsUint64, data, offset); break;
-        case 7: CheckFixed(&ByteDecoder::DecodeAsInt64, data, offset); break;
-        default: CheckRun(data, length, offset); break;
+        case 0:
+            CheckFixed(&ByteDecoder::DecodeAsChar, data, offset);
+            break;
+        case 1:
+            CheckFixed(&ByteDecoder::DecodeAsInt8, data, offset);
+            break;
+        case 2:
+            CheckFixed(&ByteDecoder::DecodeAsUint16, data, offset);
+            break;
+        case 3:
+            CheckFixed(&ByteDecoder::DecodeAsInt16, data, offset);
+            break;
+        case 4:
+            CheckFixed(&ByteDecoder::DecodeAsUint32, data, offset);
+            break;
+        case 5:
+            CheckFixed(&ByteDecoder::DecodeAsInt32, data, offset);
+            break;
+        case 6:
+            CheckFixed(&ByteDecoder::DecodeAsUint64, data, offset);
+            break;
+        case 7:
+            CheckFixed(&ByteDecoder::DecodeAsInt64, data, offset);
+            break;
+        default:
+            CheckRun(data, length, offset);
+            break;
     }
     return 0;
 }

@@ -38,8 +38,8 @@ int UsageError(const std::string& command, const std::string& message);
 
 #define KAVO_REGISTER_COMMAND_CONCAT2(a, b) a##b
 #define KAVO_REGISTER_COMMAND_CONCAT(a, b) KAVO_REGISTER_COMMAND_CONCAT2(a, b)
-#define KAVO_REGISTER_COMMAND(...)                                                                 \
-    static const ::KavoTool::CommandRegistrar KAVO_REGISTER_COMMAND_CONCAT(g_registrar_, __LINE__)( \
-        ::KavoTool::Command{__VA_ARGS__})
+#define KAVO_REGISTER_COMMAND(...)                                                                                     \
+    static const ::KavoTool::CommandRegistrar KAVO_REGISTER_COMMAND_CONCAT(g_registrar_,                               \
+                                                                           __LINE__)(::KavoTool::Command{__VA_ARGS__})
 
 #endif  // KAVO_TOOLS_KAVO_PUSH_COMMAND_H

@@ -39,8 +39,8 @@ LogLevel MinimumStderrLevel()
     static const struct {
         const char* name;
         LogLevel level;
-    } names[] = {{"debug", LOG_DEBUG}, {"info", LOG_INFO}, {"warn", LOG_WARN}, {"error", LOG_ERROR},
-                 {"fatal", LOG_FATAL}};
+    } names[] = {
+        {"debug", LOG_DEBUG}, {"info", LOG_INFO}, {"warn", LOG_WARN}, {"error", LOG_ERROR}, {"fatal", LOG_FATAL}};
     for (const auto& entry : names) {
         if (std::strcmp(value, entry.name) == 0) {
             return entry.level;

@@ -22,10 +22,9 @@ namespace Kavo {
 enum LogType : int { LOG_APP = 0, LOG_INIT = 1, LOG_CORE = 3, LOG_KMSG = 4 };
 enum LogLevel : int { LOG_DEBUG = 3, LOG_INFO = 4, LOG_WARN = 5, LOG_ERROR = 6, LOG_FATAL = 7 };
 
-KAVO_HOST_EXPORT int LogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag,
-                              const char* fmt, ...);
-KAVO_HOST_EXPORT int LogPrintV(LogType type, LogLevel level, unsigned int domain, const char* tag,
-                               const char* fmt, va_list args);
+KAVO_HOST_EXPORT int LogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
+KAVO_HOST_EXPORT int LogPrintV(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
+                               va_list args);
 
 // Formats `fmt` the way the log prints it. Every argument is consumed by its own conversion
 // (flags, widths, precisions and length modifiers included) whether it is shown or masked.

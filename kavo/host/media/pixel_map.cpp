@@ -77,8 +77,7 @@ bool PixelMap::SetPixels(std::vector<uint8_t> pixels)
 
 bool PixelMap::operator==(const PixelMap& other) const
 {
-    return width_ == other.width_ && height_ == other.height_ && format_ == other.format_ &&
-           pixels_ == other.pixels_;
+    return width_ == other.width_ && height_ == other.height_ && format_ == other.format_ && pixels_ == other.pixels_;
 }
 
 bool PixelMap::Marshalling(Parcel& parcel) const

@@ -18,8 +18,8 @@ inline const std::string PUSH_LOG_TAG = "push";
 
 }  // namespace Kavo::Push
 
-#define PUSH_LOG_PRINT(level, fmt, ...)                                                                  \
-    ((void)::Kavo::LogPrint(::Kavo::LOG_CORE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                   \
+#define PUSH_LOG_PRINT(level, fmt, ...)                                                                                \
+    ((void)::Kavo::LogPrint(::Kavo::LOG_CORE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                                  \
                             ::Kavo::Push::PUSH_LOG_TAG.c_str(), fmt, ##__VA_ARGS__))
 
 #define PUSH_LOGD(fmt, ...) PUSH_LOG_PRINT(::Kavo::LOG_DEBUG, fmt, ##__VA_ARGS__)

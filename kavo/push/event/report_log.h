@@ -8,10 +8,10 @@
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/event/teldric_helper.h"
 
-#define PUSH_LOGE_AND_REPORT(inner, fmt, ...)                                                           \
-    do {                                                                                                \
-        PUSH_LOGE(fmt, ##__VA_ARGS__);                                                                  \
-        ::Kavo::Push::TeldricHelper::AsyncReportCommonException((inner), fmt, ##__VA_ARGS__);           \
+#define PUSH_LOGE_AND_REPORT(inner, fmt, ...)                                                                          \
+    do {                                                                                                               \
+        PUSH_LOGE(fmt, ##__VA_ARGS__);                                                                                 \
+        ::Kavo::Push::TeldricHelper::AsyncReportCommonException((inner), fmt, ##__VA_ARGS__);                          \
     } while (false)
 
 #endif  // KAVO_PUSH_EVENT_REPORT_LOG_H

@@ -45,9 +45,18 @@ void ReadMember(const Json::Value& root, const std::string& key, T& value, const
     value = (member != nullptr && accepts(*member)) ? convert(*member) : defaultValue;
 }
 
-bool IsInt(const Json::Value& v) { return v.isInt(); }
-bool IsInt64(const Json::Value& v) { return v.isInt64(); }
-bool IsString(const Json::Value& v) { return v.isString(); }
+bool IsInt(const Json::Value& v)
+{
+    return v.isInt();
+}
+bool IsInt64(const Json::Value& v)
+{
+    return v.isInt64();
+}
+bool IsString(const Json::Value& v)
+{
+    return v.isString();
+}
 
 }  // namespace
 

@@ -117,8 +117,8 @@ PushBaseRsp PushJsonHelper::GetJsonRootFromPath(const std::string& path, const b
     return rsp;
 }
 
-PushBaseRsp PushJsonHelper::GetStringFromJson(const std::string& path, const bool& isConfigFile,
-                                              const std::string& key, std::string& value)
+PushBaseRsp PushJsonHelper::GetStringFromJson(const std::string& path, const bool& isConfigFile, const std::string& key,
+                                              std::string& value)
 {
     return GuardMemberRead([&]() {
         static constexpr MemberTexts texts = {"GetStringFromJson: GetJsonRootFromPath Faild",
@@ -137,8 +137,8 @@ PushBaseRsp PushJsonHelper::GetStringFromJson(const std::string& path, const boo
     });
 }
 
-PushBaseRsp PushJsonHelper::GetArrayFromJson(const std::string& path, const bool& isConfigFile,
-                                             const std::string& key, std::set<std::string>& values)
+PushBaseRsp PushJsonHelper::GetArrayFromJson(const std::string& path, const bool& isConfigFile, const std::string& key,
+                                             std::set<std::string>& values)
 {
     return GuardMemberRead([&]() {
         static constexpr MemberTexts texts = {"GetArrayFromJson: GetJsonRootFromPath Failed",
@@ -163,8 +163,8 @@ PushBaseRsp PushJsonHelper::GetArrayFromJson(const std::string& path, const bool
     });
 }
 
-PushBaseRsp PushJsonHelper::SetStringToJson(const std::string& path, const bool& isConfigFile,
-                                            const std::string& key, const std::string& value)
+PushBaseRsp PushJsonHelper::SetStringToJson(const std::string& path, const bool& isConfigFile, const std::string& key,
+                                            const std::string& value)
 {
     Json::Value root;
     PushBaseRsp rsp = GetJsonRootFromPath(path, isConfigFile, root);

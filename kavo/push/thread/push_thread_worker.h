@@ -20,7 +20,8 @@ namespace Kavo::Push {
 
 class KAVO_PUSH_EXPORT PushThreadWorkerInterface {
 public:
-    using StartMonitor = std::function<void(std::shared_ptr<PushThreadWorkerInterface> const&, std::string const&, int)>;
+    using StartMonitor =
+        std::function<void(std::shared_ptr<PushThreadWorkerInterface> const&, std::string const&, int)>;
     using ExitMonitor = std::function<void(std::string const&, int)>;
 
     virtual ~PushThreadWorkerInterface() = default;

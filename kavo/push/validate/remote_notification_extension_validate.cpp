@@ -32,8 +32,8 @@ PushBaseRsp ContentInvalid(PushInnerError inner, const std::string& text)
 
 }  // namespace
 
-PushBaseRsp RemoteNotificationExtensionValidate::ValidateRemoteNotificationRequest(
-    const RemoteNotificationRequest& request)
+PushBaseRsp
+RemoteNotificationExtensionValidate::ValidateRemoteNotificationRequest(const RemoteNotificationRequest& request)
 {
     PushBaseRsp rsp = PushExtensionValidate::ValidateSurvivalTime(request.GetSurvivalTime());
     if (!rsp.Succeed()) {
@@ -53,8 +53,9 @@ PushBaseRsp RemoteNotificationExtensionValidate::ValidateRemoteNotificationReque
     return PushBaseRsp();
 }
 
-PushBaseRsp RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(
-    const RemoteNotificationRequest& request, const RemoteNotificationContent& content)
+PushBaseRsp
+RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(const RemoteNotificationRequest& request,
+                                                                       const RemoteNotificationContent& content)
 {
     int64_t actual = content.GetContentSize();
     int32_t limit = KibToBytes(request.GetContentSize());
@@ -65,8 +66,9 @@ PushBaseRsp RemoteNotificationExtensionValidate::ValidateRemoteNotificationConte
                           "Content size is " + std::to_string(actual) + " over " + std::to_string(limit));
 }
 
-PushBaseRsp RemoteNotificationExtensionValidate::ValidateRemoteNotificationOverlayIcon(
-    const RemoteNotificationRequest& request, RemoteNotificationContent& content)
+PushBaseRsp
+RemoteNotificationExtensionValidate::ValidateRemoteNotificationOverlayIcon(const RemoteNotificationRequest& request,
+                                                                           RemoteNotificationContent& content)
 {
     // The local copy keeps the image alive after it is removed from the content.
     std::shared_ptr<Media::PixelMap> icon = content.GetOverlayIcon();

@@ -28,9 +28,15 @@ sptr<IRemoteObject> Service(int32_t id)
     return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->GetSystemAbility(id);
 }
 
-sptr<IBundleMgr> Bms() { return iface_cast<IBundleMgr>(Service(401)); }
+sptr<IBundleMgr> Bms()
+{
+    return iface_cast<IBundleMgr>(Service(401));
+}
 
-int32_t ActiveIds(std::vector<int32_t>&& ids = {}) { return OsAccountManager::QueryActiveOsAccountIds(ids); }
+int32_t ActiveIds(std::vector<int32_t>&& ids = {})
+{
+    return OsAccountManager::QueryActiveOsAccountIds(ids);
+}
 
 // Owner 100, unverified guest 101, inactive 102; the mail app and its clone 1 under 100 and 101.
 class DeviceTest : public ::testing::Test {
@@ -52,7 +58,9 @@ protected:
 
 TEST_F(DeviceTest, UidsAndAccountsFollowTheInstalledState)
 {
-    struct Case { int32_t userId, appIndex, uid; };
+    struct Case {
+        int32_t userId, appIndex, uid;
+    };
     std::string name;
     int32_t appIndex = -1, localId = -1;
     for (const Case c : {Case{100, 0, 20010042}, {100, 1, 20010043}, {101, 0, 20210042}, {100, 2, -1}, {102, 0, -1}}) {

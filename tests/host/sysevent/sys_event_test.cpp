@@ -25,8 +25,15 @@ TEST(SysEventTest, NestedRecordersBadEventsAndTheJsonForm)
         EXPECT_EQ(SysEventWrite("PUSH_MANAGER", "INVOKE", SysEventType::BEHAVIOR, {{"COST", uint64_t{1} << 40}}), 0);
         EXPECT_EQ(inner.Events().size(), 1u);
     }
-    struct Case { std::string domain, event; int type; std::vector<SysEventParam> params; };
-    for (const Case& c : {Case{"", "E", 1, {}}, {"D", "", 1, {}}, {"D", "E", 0, {}}, {"D", "E", 5, {}},
+    struct Case {
+        std::string domain, event;
+        int type;
+        std::vector<SysEventParam> params;
+    };
+    for (const Case& c : {Case{"", "E", 1, {}},
+                          {"D", "", 1, {}},
+                          {"D", "E", 0, {}},
+                          {"D", "E", 5, {}},
                           {"D", "E", 1, {{"", int32_t{1}}}}}) {  // no domain, no name, types 0 and 5, an empty key
         EXPECT_EQ(SysEventWrite(c.domain, c.event, static_cast<SysEventType>(c.type), c.params), -1);
     }

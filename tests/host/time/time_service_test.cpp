@@ -46,7 +46,10 @@ private:
     std::thread::id thread_;
 };
 
-uint64_t NowMs() { return static_cast<uint64_t>(TimeServiceClient::ReadBootClockMs()); }
+uint64_t NowMs()
+{
+    return static_cast<uint64_t>(TimeServiceClient::ReadBootClockMs());
+}
 
 TEST(TimeServiceTest, TimersFireOnTheServiceThreadAfterTheirDeadline)
 {

@@ -43,7 +43,13 @@ TEST(PushEventReportTest, RecordTypeChoosesTheSetAndTheEventAddsTheCost)
                          "ERROR_CODE=i:-2"};
     const Set invoke = {"URI=s:kavo.push.IPushService/RegisterToken", "BUNDLE_NAME=s:", "ACCOUNT_ID=i:0",
                         "COST_TIME=u:1234567890123", "ERROR_CODE=i:-2"};
-    struct Case { PushEvent event; const PushEventInfo& info; std::string name; SysEventType type; const Set& params; };
+    struct Case {
+        PushEvent event;
+        const PushEventInfo& info;
+        std::string name;
+        SysEventType type;
+        const Set& params;
+    };
     const Case cases[] = {
         {PushEvent::START_EXTENSION, EXTENSION, "START_EXTENSION", SysEventType::BEHAVIOR, extension},
         {PushEvent::START_EXTENSION_ERROR, EXTENSION, "START_EXTENSION_ERROR", SysEventType::FAULT, extension},

@@ -30,7 +30,7 @@ struct RetriedOp {
     const char* name;
     std::function<void(MockAccountService&, Code)> expectCall;
     std::function<PushBaseRsp()> act;
-    const char* eventApi;  // null: no analytics event while waiting
+    const char* eventApi;                       // null: no analytics event while waiting
     std::string notStarted, failDesc, failLog;  // the last two for code 2; no log: the description
 };
 
@@ -139,7 +139,7 @@ TEST_F(AccountQueryTest, UnverifiableForegroundAccountCountsAsVerified)
 {
     ScopedAccountService service{ACCOUNT};
     EXPECT_CALL(*service, GetForegroundOsAccountLocalId(_))
-        .WillOnce(DoAll(SetArgReferee<0>(100), Return(5)))   // refused
+        .WillOnce(DoAll(SetArgReferee<0>(100), Return(5)))  // refused
         .WillOnce(DoAll(SetArgReferee<0>(-1), Return(0)));  // left at -1
     for (std::string desc : {"IsOsAccountVerified failed: userId is 100, desc is the os account verifie fail: 5, "
                              "localId: 100: error(1000900001)",
@@ -165,8 +165,8 @@ TEST_F(AccountQueryTest, SingleShotQueriesReportTheirCodeWithoutWaiting)
     EXPECT_EQ(distributed.GetErr(), 1000900001);
     EXPECT_EQ(distributed.GetErrDescription(), "Get os account distributed id failed:4194321");
     EXPECT_TRUE(HasLine(cap_, "Get os account distributed info failed:4194321"));
-    EXPECT_EQ(events_.Take(), (Events{{35, "GetOsAccountLocalIdFromUid", 1, "4194321"},
-                                      {35, "GetKavoAccountInfo", 1, "4194321"}}));
+    EXPECT_EQ(events_.Take(),
+              (Events{{35, "GetOsAccountLocalIdFromUid", 1, "4194321"}, {35, "GetKavoAccountInfo", 1, "4194321"}}));
 }
 
 }  // namespace

@@ -32,10 +32,15 @@ RunningProcessInfo P(int pid, int uid, S state, ProcessType type = ProcessType::
     return p;
 }
 
-RunningProcessInfo E(int pid, int uid, S state, T ext) { return P(pid, uid, state, ProcessType::EXTENSION, ext); }
+RunningProcessInfo E(int pid, int uid, S state, T ext)
+{
+    return P(pid, uid, state, ProcessType::EXTENSION, ext);
+}
 
 // What a missing manager adds: the lookup's text and the two lines logged on the way.
-struct Lookup { std::string info, line, passOn; };
+struct Lookup {
+    std::string info, line, passOn;
+};
 const Lookup BMS{"get bms fail: bms sa not started: error(1000900001)", "Get bms fail: bms sa not started",
                  "Get bundle mgr fail: "};
 const Lookup AMS{"get ams fail: ams sa not started: error(1000900001)", "get ams fail: ams sa not started",
@@ -73,16 +78,23 @@ protected:
 // the description itself unless a row names another ("" none).
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
-    struct Case { std::function<void()> arrange; std::function<PushBaseRsp()> act; int err;
-                  std::string desc; const Lookup* mgr; std::string noMgrLog; const char* log = nullptr; };
+    struct Case {
+        std::function<void()> arrange;
+        std::function<PushBaseRsp()> act;
+        int err;
+        std::string desc;
+        const Lookup* mgr;
+        std::string noMgrLog;
+        const char* log = nullptr;
+    };
     auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
         {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
          [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
          "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
         {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
-         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); },
-         1000900001, "Query extension ability info failed:-5", &BMS, "Get Bundle Mgr Fail"},
+         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); }, 1000900001,
+         "Query extension ability info failed:-5", &BMS, "Get Bundle Mgr Fail"},
         {[&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
          [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
          "Query ability infos failed:9", &BMS, "get bundle mgr fail", "Query Ability InfosV9 Fail"},
@@ -92,11 +104,11 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         {[&] {
              EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
          },
-         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); },
-         1000900001, "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
+         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); }, 1000900001,
+         "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
         {[&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
-         [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001,
-         "Get name for uid fail: 8521225", &BMS, "Get Bundle Mgr Fail"},
+         [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001, "Get name for uid fail: 8521225",
+         &BMS, "Get Bundle Mgr Fail"},
         {[&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
          [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", &BMS,
          "Get Bundle Mgr Fail", ""},  // an unknown bundle's uid -1 is handed back as a success
@@ -107,8 +119,8 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
          [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12", &BMS,
          "get bundle mgr fail", "Get appIndex faild: 12"},
         {[&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
-         [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1,
-         "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
+         [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1, "Get install status failed, 5",
+         &BMS, "get bundle mgr fail", ""},
         {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
          [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
          "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
@@ -127,13 +139,18 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
          "check if app running, get running process info fail: 6", &AMS, "Get app mgr fail :" + AMS.info,
          "Get running process info fail: :6"},
         {processes6,
-         [&] { return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false); },
+         [&] {
+             return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false);
+         },
          1000900001, "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); },
-         1000900001, "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); },
-         1000900001, "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_); },
+        {processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); }, 1000900001,
+         "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+        {processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); }, 1000900001,
+         "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
+        {processes6,
+         [&] {
+             return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_);
+         },
          1000900001, "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
     };
     for (const auto& c : cases) {
@@ -188,9 +205,14 @@ TEST_F(BundleQueryTest, CloneRecordFailureHandsBackTheCode)
 
 TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
 {
-    struct Case { bool asan, tsan, gwp, hwasan; unsigned char flags; };
-    const Case cases[] = {{false, false, false, false, 0}, {true, false, false, false, 1},
-                          {false, false, false, true, 8}, {true, true, true, true, 15}};
+    struct Case {
+        bool asan, tsan, gwp, hwasan;
+        unsigned char flags;
+    };
+    const Case cases[] = {{false, false, false, false, 0},
+                          {true, false, false, false, 1},
+                          {false, false, false, true, 8},
+                          {true, true, true, true, 15}};
     for (const auto& c : cases) {
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
         app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
@@ -212,9 +234,17 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
 
 TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
 {
-    auto ext = [](T type, int index) { ExtensionAbilityInfo e; e.type = type, e.appIndex = index; return e; };
-    struct Case { const char* name; std::vector<ExtensionAbilityInfo> answer; int32_t code, appIndex, err;
-                  std::string desc; };
+    auto ext = [](T type, int index) {
+        ExtensionAbilityInfo e;
+        e.type = type, e.appIndex = index;
+        return e;
+    };
+    struct Case {
+        const char* name;
+        std::vector<ExtensionAbilityInfo> answer;
+        int32_t code, appIndex, err;
+        std::string desc;
+    };
     const Case cases[] = {
         {"first entry of the type", {ext(T::PUSH, 0)}, 0, 0, 0, ""},
         {"a match after another type does not count", {ext(T::SERVICE, 0), ext(T::PUSH, 0)}, 0, 0, 1000900002, ""},
@@ -237,12 +267,20 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
 
 TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 {
-    struct Case { std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground; int32_t foregroundCode, queryCode;
-                  int err; std::string desc, log; };  // queryCode -1: no query expected
+    struct Case {
+        std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground;
+        int32_t foregroundCode, queryCode;
+        int err;
+        std::string desc, log;
+    };  // queryCode -1: no query expected
     const Case cases[] = {
         {{}, 0, -1, 401, "Ids is empty, unable to get userId", "Ids is empty, unable to get userId"},
         {{}, 3, -1, 1000900001, "get foreground accountId failed 3", "GetForegroundOsAccounts check fail"},
-        {{{101, 0}, {100, 0}}, 0, 8521221, 1000900001, "Query ability infos failed:8521221",
+        {{{101, 0}, {100, 0}},
+         0,
+         8521221,
+         1000900001,
+         "Query ability infos failed:8521221",
          "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)"},
     };
     auto isBrowserWant = [](const Want& w) {
@@ -268,8 +306,13 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 TEST(BundleTableTest, ExtensionTypeNamesAreExact)
 {
     const std::pair<const char*, T> cases[] = {
-        {"push", T::PUSH}, {"remoteNotification", T::REMOTE_NOTIFICATION}, {"remoteLocation", T::REMOTE_LOCATION},
-        {"voip", T::VOIP}, {"service", T::SERVICE}, {"Push", T::UNSPECIFIED}, {"push ", T::UNSPECIFIED},
+        {"push", T::PUSH},
+        {"remoteNotification", T::REMOTE_NOTIFICATION},
+        {"remoteLocation", T::REMOTE_LOCATION},
+        {"voip", T::VOIP},
+        {"service", T::SERVICE},
+        {"Push", T::UNSPECIFIED},
+        {"push ", T::UNSPECIFIED},
     };
     for (const auto& [name, type] : cases) {
         EXPECT_EQ(PushBundleHelper::GetExtensionAbilityType(name), type) << "'" << name << "'";
@@ -314,7 +357,12 @@ std::string Ask(Query q)
 
 TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
 {
-    struct Case { const char* name; std::vector<RunningProcessInfo> list; Query query; std::string expected; };
+    struct Case {
+        const char* name;
+        std::vector<RunningProcessInfo> list;
+        Query query;
+        std::string expected;
+    };
     const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND),
                                                   P(11, UID, S::APP_STATE_FOREGROUND)};
     const std::string none = std::to_string(INT_MIN);
@@ -323,24 +371,37 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
         {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
         {"focused counts as foreground", {P(12, UID, S::APP_STATE_FOCUS)}, FOREGROUND, "fg 12"},
         {"other uids are skipped", {P(13, OTHER, S::APP_STATE_FOREGROUND)}, FOREGROUND, "bg -7"},
-        {"the last background main process wins", {P(14, UID, S::APP_STATE_BACKGROUND), P(15, UID, S::APP_STATE_READY)},
-         FOREGROUND, "bg 15"},
+        {"the last background main process wins",
+         {P(14, UID, S::APP_STATE_BACKGROUND), P(15, UID, S::APP_STATE_READY)},
+         FOREGROUND,
+         "bg 15"},
         {"extension: only the remote-notification one sets the pid",
          {E(16, UID, S::APP_STATE_BACKGROUND, T::PUSH), E(17, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION),
-          P(18, UID, S::APP_STATE_BACKGROUND)}, FOREGROUND_EXTENSION, "bg 17"},
+          P(18, UID, S::APP_STATE_BACKGROUND)},
+         FOREGROUND_EXTENSION,
+         "bg 17"},
         {"extension found before a foreground process keeps its pid",
          {E(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), P(20, UID, S::APP_STATE_FOREGROUND)},
-         FOREGROUND_EXTENSION, "fg 19"},
+         FOREGROUND_EXTENSION,
+         "fg 19"},
         {"the walk stops at the foreground process",
-         {P(21, UID, S::APP_STATE_FOREGROUND), P(22, UID, S::APP_STATE_BACKGROUND)}, FOREGROUND, "fg 21"},
+         {P(21, UID, S::APP_STATE_FOREGROUND), P(22, UID, S::APP_STATE_BACKGROUND)},
+         FOREGROUND,
+         "fg 21"},
         {"child: type, extension type and uid must all match",
          {E(30, OTHER, S::APP_STATE_READY, T::PUSH), E(31, UID, S::APP_STATE_READY, T::VOIP),
-          E(32, UID, S::APP_STATE_READY, T::PUSH), E(33, UID, S::APP_STATE_READY, T::PUSH)}, CHILD, "32"},
-        {"child: a normal process is no child", {P(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)}, CHILD,
+          E(32, UID, S::APP_STATE_READY, T::PUSH), E(33, UID, S::APP_STATE_READY, T::PUSH)},
+         CHILD,
+         "32"},
+        {"child: a normal process is no child",
+         {P(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)},
+         CHILD,
          none},
         {"parent: extensions of the uid are passed over",
          {E(35, UID, S::APP_STATE_READY, T::PUSH), P(36, OTHER, S::APP_STATE_READY), P(37, UID, S::APP_STATE_READY),
-          P(38, UID, S::APP_STATE_READY)}, PARENT, "37"},
+          P(38, UID, S::APP_STATE_READY)},
+         PARENT,
+         "37"},
     };
     for (const auto& c : cases) {
         Answer(c.list);
@@ -352,18 +413,39 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
 {
     // IsAppRunning for app index 1, IsGivenExtensionProcessRunning for PUSH, GetAppProcessState for the
     // extension name ("" the main process).
-    struct Case { const char* name; std::vector<RunningProcessInfo> list; bool running, pushRunning;
-                  std::string extension; int state; };
+    struct Case {
+        const char* name;
+        std::vector<RunningProcessInfo> list;
+        bool running, pushRunning;
+        std::string extension;
+        int state;
+    };
     const Case cases[] = {
         {"nothing runs: no uid lookup", {}, false, false, "", -1},
-        {"the main process's state", {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)}, true,
-         true, "", 3},
+        {"the main process's state",
+         {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)},
+         true,
+         true,
+         "",
+         3},
         {"the named extension's state",
-         {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)}, true, false, "voip", 4},
-        {"another uid: only its push extension counts", {E(41, OTHER, S::APP_STATE_READY, T::PUSH)}, false, true, "",
+         {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
+         true,
+         false,
+         "voip",
+         4},
+        {"another uid: only its push extension counts",
+         {E(41, OTHER, S::APP_STATE_READY, T::PUSH)},
+         false,
+         true,
+         "",
          -1},
-        {"an unknown extension name matches nothing", {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)}, true,
-         false, "Push", -1},
+        {"an unknown extension name matches nothing",
+         {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)},
+         true,
+         false,
+         "Push",
+         -1},
     };
     app_.tsanEnabled = true;
     ON_CALL(**bms_, GetUidByBundleName(MAIL, USER, _)).WillByDefault(Return(UID));

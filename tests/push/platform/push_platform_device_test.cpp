@@ -97,7 +97,11 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         device_.SetDistributedAccount(loggedIn);
         return PushDistributeAccountHelper::GetOsDistributedId(text_);
     };
-    struct Case { std::function<PushBaseRsp()> act; std::function<std::string()> shown; std::string expected; };
+    struct Case {
+        std::function<PushBaseRsp()> act;
+        std::function<std::string()> shown;
+        std::string expected;
+    };
     ClientUserInfo c;
     std::vector<ExtensionAbilityInfo> v;
     Want https;
@@ -124,25 +128,33 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          "MainAbility"},
         {[&] { return H::GetNameForUid(20010043, text_); }, [&] { return text_; }, MAIL},
         {[&] { return H::GetAppIndex(20010043, n_); }, [&] { return str(n_); }, "1"},
-        {nullptr, [&] {
+        {nullptr,
+         [&] {
              BundleInfo info = H::GetBundleInfo(MAIL, USER, 1, n_);
              return str(n_) + " " + str(info.uid) + " " + str(info.extensionInfos.size());
-         }, "0 20010043 1"},
+         },
+         "0 20010043 1"},
         {nullptr, [&] { return str(H::GetInstalledStatus(MAIL, USER, 1).second); }, "1"},
         {[&] { return H::GetInstalledStatusV9(MAIL, USER, n_).first; }, [&] { return str(n_); }, "20010042"},
-        {nullptr, [&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
+        {nullptr,
+         [&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
              auto [v9, v9Status] = H::GetInstalledStatusV9("com.example.none", USER, n_);
              auto [flag, flagStatus] = H::GetInstalledStatus("com.example.none", USER, 0);
              return str(v9Status) + " " + str(v9.GetErr()) + " " + v9.GetErrDescription() + ", " + str(flagStatus) +
                     " " + str(flag.GetErr()) + " " + flag.GetErrDescription();
-         }, "0 -1 bundle is not installed, 0 -1 "},
+         },
+         "0 -1 bundle is not installed, 0 -1 "},
         {[&] { return H::GetAppUidForName(BROWSER, USER, n_); }, [&] { return str(n_); }, "20010050"},
         {[&] { return H::GetAppAnitizerFlag(MAIL, USER, flags_); }, [&] { return str(flags_); }, "4"},
-        {[&] { return H::IsRemoteForegrounding({MAIL, USER, 0, 20010042}, n_, b_, false); },
+        {[&] {
+             return H::IsRemoteForegrounding({MAIL, USER, 0, 20010042}, n_, b_, false);
+         },
          [&] { return str(b_) + " " + str(n_); }, "1 3002"},  // its notification extension is in the foreground
         {[&] { return H::GetChildProcessPid(MAIL, USER, T::PUSH, 20010043, n_); }, [&] { return str(n_); }, "3003"},
         {[&] { return H::GetParentProcessPid(MAIL, USER, 20010042, n_); }, [&] { return str(n_); }, "3001"},
-        {[&] { return H::GetAppProcessState({MAIL, USER, 1, "push"}, n_, flags_); },
+        {[&] {
+             return H::GetAppProcessState({MAIL, USER, 1, "push"}, n_, flags_);
+         },
          [&] { return str(n_) + " " + str(flags_); }, "1 4"},
         {[&] { return H::IsAppRunning(BROWSER, USER, b_, 0); }, [&] { return str(b_); }, "0"},
         {nullptr, [&] { return str(H::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH)); }, "1"},
@@ -157,11 +169,13 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          [&] { return str(ids_.size()) + " " + str(ids_.back()); }, "2 100"},
         {[&] { return A::GetForegroundOsAccountLocalId(n_); }, [&] { return str(n_); }, "100"},
         {[&] { return A::GetOsAccountLocalIdFromUid(20210042, n_); }, [&] { return str(n_); }, "101"},
-        {nullptr, [&] {
+        {nullptr,
+         [&] {
              text_ = "kept";
              std::string desc = distributedId("kavoAnonymousUid").GetErrDescription();
              return desc + " " + text_;
-         }, "Os account id not login kept"},
+         },
+         "Os account id not login kept"},
         // Only the exact anonymous uid means nobody is logged in.
         {[&] { return distributedId("5500123"); }, [&] { return text_; }, "5500123"},
         {[&] { return distributedId("KavoAnonymousUid"); }, [&] { return text_; }, "KavoAnonymousUid"},

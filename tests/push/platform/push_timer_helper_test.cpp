@@ -25,7 +25,10 @@ constexpr int64_t BOOT_MS = 5000000;
 
 class TimerHelperTest : public ::testing::Test {
 protected:
-    TimerHelperTest() { TimeServiceClient::SetBootTimeSource([this] { return bootMs_; }); }
+    TimerHelperTest()
+    {
+        TimeServiceClient::SetBootTimeSource([this] { return bootMs_; });
+    }
     ~TimerHelperTest() override
     {
         TimeServiceClient::SetBootTimeSource(nullptr);
@@ -42,9 +45,16 @@ protected:
 
 TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
 {
-    struct Case { int duration; bool wakeup; int type; uint64_t deadline; };
-    const Case cases[] = {{30, false, 1 | 4, BOOT_MS + 30000}, {30, true, 1 | 2 | 4, BOOT_MS + 30000},
-                          {0, false, 5, BOOT_MS}, {3000000, false, 5, BOOT_MS + 3000000000ULL}};
+    struct Case {
+        int duration;
+        bool wakeup;
+        int type;
+        uint64_t deadline;
+    };
+    const Case cases[] = {{30, false, 1 | 4, BOOT_MS + 30000},
+                          {30, true, 1 | 2 | 4, BOOT_MS + 30000},
+                          {0, false, 5, BOOT_MS},
+                          {3000000, false, 5, BOOT_MS + 3000000000ULL}};
     uint64_t id = 41;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.duration);
@@ -90,7 +100,11 @@ TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
 // A refusal and a missing client: their texts and events, no report.
 TEST_F(TimerHelperTest, RefusalsAndAMissingClientSendTheirEvents)
 {
-    struct Case { Act act; std::function<void(MockTimeService&)> refuse; std::string log, desc, api, noClientLog; };
+    struct Case {
+        Act act;
+        std::function<void(MockTimeService&)> refuse;
+        std::string log, desc, api, noClientLog;
+    };
     const Case cases[] = {
         {PushTimerHelper::StopTimer, [](auto& m) { EXPECT_CALL(m, StopTimer(9)).WillOnce(Return(false)); },
          "StopTimer: Stop Timer Failed", "Stop timer failed", "StopTimer", "StopTimer: Get System Timer is Null"},
@@ -111,8 +125,7 @@ TEST_F(TimerHelperTest, RefusalsAndAMissingClientSendTheirEvents)
         EXPECT_EQ(c.act(timer).GetErrDescription(), "Get system timer is null");
         TimeServiceClient::SetClientAvailable(true);
         EXPECT_TRUE(HasLine(cap_, c.log) && HasLine(cap_, c.noClientLog)) << c.api;
-        EXPECT_EQ(events_.Take(),
-                  (Events{{18, c.api, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
+        EXPECT_EQ(events_.Take(), (Events{{18, c.api, 1, "0"}, {18, "GetInstance", 1, "Get System Timer is Null"}}));
     }
     EXPECT_TRUE(reports_.Reports().empty());
 }
@@ -136,8 +149,8 @@ TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
     EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(), "start timer fail");
     EXPECT_EQ(timer->GetTimerId(), 12u) << "the id is kept even when the start is refused";
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Start Timer Fail"));
-    EXPECT_EQ(events_.Take(), (Events{{18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"},
-                                      {18, "StartTimer", 1, "0"}}));
+    EXPECT_EQ(events_.Take(),
+              (Events{{18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"}, {18, "StartTimer", 1, "0"}}));
 }
 
 TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)

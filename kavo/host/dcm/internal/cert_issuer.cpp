@@ -73,8 +73,8 @@ bool AddChallengeExtension(X509* cert, const uint8_t* challenge, size_t size)
     int derLength = i2d_ASN1_OCTET_STRING(inner.get(), &der);
     bool ok = derLength > 0 && ASN1_OCTET_STRING_set(value.get(), der, derLength) == 1;
     OPENSSL_free(der);
-    std::unique_ptr<X509_EXTENSION, ExtFree> ext(
-        ok ? X509_EXTENSION_create_by_OBJ(nullptr, oid.get(), 0, value.get()) : nullptr);
+    std::unique_ptr<X509_EXTENSION, ExtFree> ext(ok ? X509_EXTENSION_create_by_OBJ(nullptr, oid.get(), 0, value.get())
+                                                    : nullptr);
     return ext != nullptr && X509_add_ext(cert, ext.get(), -1) == 1;
 }
 
@@ -96,8 +96,8 @@ bool SetIdentity(X509* cert, const CertProfile& profile, EVP_PKEY* key, X509* is
 }
 
 // `issuer` null makes a self-signed certificate; `challenge` null adds no challenge.
-X509Ptr MakeCert(const CertProfile& profile, EVP_PKEY* key, X509* issuer, EVP_PKEY* issuerKey,
-                 const uint8_t* challenge, size_t challengeSize, bool withChallenge)
+X509Ptr MakeCert(const CertProfile& profile, EVP_PKEY* key, X509* issuer, EVP_PKEY* issuerKey, const uint8_t* challenge,
+                 size_t challengeSize, bool withChallenge)
 {
     X509Ptr cert(X509_new());
     if (cert == nullptr) {
@@ -142,8 +142,8 @@ struct Authority {
         }
         root = MakeCert(ROOT_PROFILE, rootKey.get(), nullptr, nullptr, nullptr, 0, false);
         if (root != nullptr) {
-            intermediate = MakeCert(INTERMEDIATE_PROFILE, intermediateKey.get(), root.get(), rootKey.get(), nullptr,
-                                    0, false);
+            intermediate =
+                MakeCert(INTERMEDIATE_PROFILE, intermediateKey.get(), root.get(), rootKey.get(), nullptr, 0, false);
         }
         if (intermediate != nullptr) {
             rootDer = ToDer(root.get());

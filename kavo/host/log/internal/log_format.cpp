@@ -147,7 +147,12 @@ std::string ConsumeConversion(const Conversion& c, va_list* ap, bool& ok)
     int precision = c.starPrecision ? va_arg(*ap, int) : 0;
     ok = true;
     switch (c.conv) {
-        case 'd': case 'i': case 'u': case 'o': case 'x': case 'X':
+        case 'd':
+        case 'i':
+        case 'u':
+        case 'o':
+        case 'x':
+        case 'X':
             return ConsumeInteger(c, width, precision, ap);
         case 'c':
             return FormatValue(c, width, precision, va_arg(*ap, int));
@@ -157,7 +162,14 @@ std::string ConsumeConversion(const Conversion& c, va_list* ap, bool& ok)
         }
         case 'p':
             return FormatValue(c, width, precision, va_arg(*ap, void*));
-        case 'f': case 'F': case 'e': case 'E': case 'g': case 'G': case 'a': case 'A':
+        case 'f':
+        case 'F':
+        case 'e':
+        case 'E':
+        case 'g':
+        case 'G':
+        case 'a':
+        case 'A':
             if (c.length == "L") {
                 return FormatValue(c, width, precision, va_arg(*ap, long double));
             }
