@@ -24,3 +24,15 @@ install(FILES ${PROJECT_BINARY_DIR}/KavoPushConfig.cmake
 file(RELATIVE_PATH KAVO_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
 configure_file(cmake/kavo-push.pc.in ${PROJECT_BINARY_DIR}/kavo-push.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kavo-push.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# `cpack` in a build folder makes a Debian package of the libraries, headers, CMake package
+# and tool.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME kavo-push)
+set(CPACK_PACKAGE_VENDOR "kavo-push developers")
+set(CPACK_PACKAGE_CONTACT "kavo-push developers <kavo-push@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Push-notification service utilities of the Kavo platform, with their Linux host platform")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libssl3, libjsoncpp25, libssl-dev, libjsoncpp-dev")
+include(CPack)
