@@ -1,10 +1,12 @@
 #include "kavo/host/ipc/ipc_channel.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -177,7 +179,7 @@ struct ServerAgainstRawPeers : Channel {
     // connection without the server closing it, returns -1. `data` keeps the reply's bytes.
     int32_t Exchange(const Case& c)
     {
-        fd = fd >= 0 ? fd : Served(server);
+        fd = fd >= 0 ? fd : (path.empty() ? Served(server) : ConnectPath(path));
         bool sent = Send(fd, c.frame);
         (void)(c.endStream && shutdown(fd, SHUT_WR));
         uint8_t w[8] = {};
@@ -217,7 +219,20 @@ struct ServerAgainstRawPeers : Channel {
 
     size_t fdsBefore = ProcCount("fd");
     size_t threadsBefore = (std::thread([] {}).join(), ProcCount("task"));  // after a sanitizer's helper thread
+    static int ConnectPath(const std::string& socketPath)
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        socketPath.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        int raw = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        if (raw >= 0 && connect(raw, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
+            close(std::exchange(raw, -1));
+        }
+        return raw;
+    }
+
     Kavo::IpcServer server{Handle, Kavo::IpcServerOptions{100ms, MAX}};
+    std::string path;  // when set, raw peers connect here instead of being handed to the server
     int fd = -1;
     Bytes data;
 };
@@ -267,21 +282,40 @@ TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothi
             good[client.Transact(request, reply, 2s) != IpcResult::OK || reply.ReadString() != "com.example.push"]++;
         }
     };
+    path = "/tmp/kavo-flood-" + std::to_string(getpid()) + ".sock";
+    ASSERT_TRUE(server.Listen(path));
     behave(50);  // warms the allocator up before the heap is measured
     server.WaitUntilIdle();
-    const size_t fdsServing = ProcCount("fd");  // no connection left, the supervisor running
+    const size_t fdsServing = ProcCount("fd");  // no connection left, the supervisor and listener running
     const size_t threadsServing = ProcCount("task");
     const size_t heapBefore = mallinfo2().uordblks;
+    int tally[2] = {-1, -1};
+    ASSERT_EQ(pipe2(tally, O_CLOEXEC), 0);
+    pid_t hostile = fork();  // the hostile peer is a process of its own, reporting what it was answered
+    if (hostile == 0) {
+        uint64_t seen[9] = {};
+        std::mt19937 rng(20261122);
+        for (int i = 0; i < 3000; ++i) {
+            int32_t status = Attack(rng, real, i);
+            seen[status < 0 ? 8 : status]++;
+        }
+        close(std::exchange(fd, -1));
+        _exit(write(tally[1], seen, sizeof(seen)) == ssize_t(sizeof(seen)) ? 0 : 1);
+    }
+    close(tally[1]);
     std::thread wellBehaved(behave, 1000000);
-    std::mt19937 rng(20261122);
-    for (int i = 0; i < 3000; ++i) {
-        int32_t status = Attack(rng, real, i);
-        EXPECT_TRUE(status >= 0 || observed[8] > 0) << "frame " << i << ", the first not answered as allowed";
-        observed[status < 0 ? 8 : status]++;
+    uint64_t seen[9] = {};
+    EXPECT_TRUE(RecvExact(tally[0], seen, sizeof(seen), 300000)) << "the hostile peer reports its tally";
+    close(tally[0]);
+    int exitStatus = -1;
+    EXPECT_EQ(waitpid(hostile, &exitStatus, 0), hostile);
+    EXPECT_EQ(exitStatus, 0);
+    EXPECT_EQ(seen[8], 0u) << "frames not answered as allowed";
+    for (int result = 0; result < 9; ++result) {
+        observed[result] += seen[result];
     }
     flooding = false;
     wellBehaved.join();
-    close(std::exchange(fd, -1));
     EXPECT_EQ(good[1], 0);
     observed[0] += static_cast<uint64_t>(good[0]);
     server.WaitUntilIdle();
