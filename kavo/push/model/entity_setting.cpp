@@ -73,29 +73,12 @@ bool EntitySetting::ReadFromParcel(Parcel& parcel)
     if ((flags & EXTRA_INFO_FLAG) == 0) {
         return true;
     }
-    sptr<AAFwk::WantParams> extraInfo = parcel.ReadStrongParcelable<AAFwk::WantParams>();
-    if (extraInfo == nullptr) {
-        return FailRead("Read WantParams error");
-    }
-    extraInfo_ = internal::SharedCopy(*extraInfo);
-    if (extraInfo_ == nullptr) {
-        return FailRead("New WantParams error");
-    }
-    return true;
+    return internal::ReadWantParamsCopy(parcel, extraInfo_, "Read WantParams error", "New WantParams error");
 }
 
 sptr<EntitySetting> EntitySetting::Unmarshalling(Parcel& parcel)
 {
-    auto* setting = new (std::nothrow) EntitySetting();
-    if (setting == nullptr) {
-        return nullptr;
-    }
-    if (!setting->ReadFromParcel(parcel)) {
-        internal::LogAndReport("New EntitySetting error");
-        delete setting;
-        return nullptr;
-    }
-    return sptr<EntitySetting>(setting);
+    return internal::ConstructThenFill<EntitySetting>(parcel, internal::LogAndReport, "New EntitySetting error");
 }
 
 bool EntitySetting::operator==(const EntitySetting& other) const

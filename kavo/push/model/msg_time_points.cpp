@@ -3,6 +3,7 @@
 #include <new>
 
 #include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
 
 namespace Kavo::Push {
 
@@ -20,16 +21,8 @@ bool MsgTimePoints::ReadFromParcel(Parcel& parcel)
 
 sptr<MsgTimePoints> MsgTimePoints::Unmarshalling(Parcel& parcel)
 {
-    auto* points = new (std::nothrow) MsgTimePoints();
-    if (points == nullptr) {
-        return nullptr;
-    }
-    if (!points->ReadFromParcel(parcel)) {
-        internal::LogOnly("Read MsgTimePoints from parcel error");
-        delete points;
-        return nullptr;
-    }
-    return sptr<MsgTimePoints>(points);
+    return internal::ConstructThenFill<MsgTimePoints>(parcel, internal::LogOnly,
+                                                      "Read MsgTimePoints from parcel error");
 }
 
 bool MsgTimePoints::operator==(const MsgTimePoints& other) const

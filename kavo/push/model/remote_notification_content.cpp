@@ -132,16 +132,8 @@ bool RemoteNotificationContent::ReadMsgTimePoints(Parcel& parcel)
 
 sptr<RemoteNotificationContent> RemoteNotificationContent::Unmarshalling(Parcel& parcel)
 {
-    auto* content = new (std::nothrow) RemoteNotificationContent();
-    if (content == nullptr) {
-        return nullptr;
-    }
-    if (!content->ReadFromParcel(parcel)) {
-        internal::LogAndReport("RemoteNotificationContent Unmarshalling Error");
-        delete content;
-        return nullptr;
-    }
-    return sptr<RemoteNotificationContent>(content);
+    return internal::ConstructThenFill<RemoteNotificationContent>(parcel, internal::LogAndReport,
+                                                                  "RemoteNotificationContent Unmarshalling Error");
 }
 
 bool RemoteNotificationContent::operator==(const RemoteNotificationContent& other) const

@@ -45,29 +45,13 @@ bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
     if (!hasParameters) {
         return true;
     }
-    sptr<AAFwk::WantParams> parameters = parcel.ReadStrongParcelable<AAFwk::WantParams>();
-    if (parameters == nullptr) {
-        return FailRead("Read wantParams error");
-    }
-    parameters_ = internal::SharedCopy(*parameters);
-    if (parameters_ == nullptr) {
-        return FailRead("New wantParams error");
-    }
-    return true;
+    return internal::ReadWantParamsCopy(parcel, parameters_, "Read wantParams error", "New wantParams error");
 }
 
 sptr<RemoteNotificationResult> RemoteNotificationResult::Unmarshalling(Parcel& parcel)
 {
-    auto* result = new (std::nothrow) RemoteNotificationResult();
-    if (result == nullptr) {
-        return nullptr;
-    }
-    if (!result->ReadFromParcel(parcel)) {
-        internal::LogAndReport("New remoteNotificationResult error");
-        delete result;
-        return nullptr;
-    }
-    return sptr<RemoteNotificationResult>(result);
+    return internal::ConstructThenFill<RemoteNotificationResult>(parcel, internal::LogAndReport,
+                                                                 "New remoteNotificationResult error");
 }
 
 bool RemoteNotificationResult::operator==(const RemoteNotificationResult& other) const

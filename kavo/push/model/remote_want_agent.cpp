@@ -3,6 +3,7 @@
 #include <new>
 
 #include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
 
 namespace Kavo::Push {
 
@@ -41,16 +42,7 @@ bool RemoteWantAgent::ReadFromParcel(Parcel& parcel)
 
 sptr<RemoteWantAgent> RemoteWantAgent::Unmarshalling(Parcel& parcel)
 {
-    auto* agent = new (std::nothrow) RemoteWantAgent();
-    if (agent == nullptr) {
-        return nullptr;
-    }
-    if (!agent->ReadFromParcel(parcel)) {
-        internal::LogAndReport("New remoteWantAgent error");
-        delete agent;
-        return nullptr;
-    }
-    return sptr<RemoteWantAgent>(agent);
+    return internal::ConstructThenFill<RemoteWantAgent>(parcel, internal::LogAndReport, "New remoteWantAgent error");
 }
 
 bool RemoteWantAgent::operator==(const RemoteWantAgent& other) const

@@ -41,16 +41,8 @@ bool SubscribeNotificationSetting::ReadFromParcel(Parcel& parcel)
 
 sptr<SubscribeNotificationSetting> SubscribeNotificationSetting::Unmarshalling(Parcel& parcel)
 {
-    auto* setting = new (std::nothrow) SubscribeNotificationSetting();
-    if (setting == nullptr) {
-        return nullptr;
-    }
-    if (!setting->ReadFromParcel(parcel)) {
-        internal::LogAndReport("New SubscribeNotificationSetting error");
-        delete setting;
-        return nullptr;
-    }
-    return sptr<SubscribeNotificationSetting>(setting);
+    return internal::ConstructThenFill<SubscribeNotificationSetting>(parcel, internal::LogAndReport,
+                                                                     "New SubscribeNotificationSetting error");
 }
 
 bool SubscribeNotificationSetting::operator==(const SubscribeNotificationSetting& other) const

@@ -33,29 +33,12 @@ bool VoIPResult::ReadFromParcel(Parcel& parcel)
     if (!hasParameters) {
         return true;
     }
-    sptr<AAFwk::WantParams> parameters = parcel.ReadStrongParcelable<AAFwk::WantParams>();
-    if (parameters == nullptr) {
-        return FailRead("Read wantParams error");
-    }
-    parameters_ = internal::SharedCopy(*parameters);
-    if (parameters_ == nullptr) {
-        return FailRead("New wantParams error");
-    }
-    return true;
+    return internal::ReadWantParamsCopy(parcel, parameters_, "Read wantParams error", "New wantParams error");
 }
 
 sptr<VoIPResult> VoIPResult::Unmarshalling(Parcel& parcel)
 {
-    auto* result = new (std::nothrow) VoIPResult();
-    if (result == nullptr) {
-        return nullptr;
-    }
-    if (!result->ReadFromParcel(parcel)) {
-        internal::LogAndReport("New voipResult error");
-        delete result;
-        return nullptr;
-    }
-    return sptr<VoIPResult>(result);
+    return internal::ConstructThenFill<VoIPResult>(parcel, internal::LogAndReport, "New voipResult error");
 }
 
 bool VoIPResult::operator==(const VoIPResult& other) const
