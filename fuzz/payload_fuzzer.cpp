@@ -31,6 +31,12 @@ void CheckSharedForm(const uint8_t* data, size_t size)
     }
 }
 
+void CheckExtensionInfo(const uint8_t* data, size_t size)
+{
+    RecordFuzz::CheckRoundTrip<PushExtensionInfo>(data, size);
+    CheckSharedForm(data, size);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
@@ -41,22 +47,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    if (size == 0) {
-        return 0;
-    }
-    const uint8_t* body = data + 1;
-    const size_t bodySize = size - 1;
-    switch (data[0] % 3) {
-        case 0:
-            RecordFuzz::CheckRoundTrip<PushPayload>(body, bodySize);
-            break;
-        case 1:
-            RecordFuzz::CheckRoundTrip<PushExtensionInfo>(body, bodySize);
-            CheckSharedForm(body, bodySize);
-            break;
-        default:
-            RecordFuzz::CheckRoundTrip<RemoteLocationRequest>(body, bodySize);
-            break;
-    }
-    return 0;
+    static const RecordFuzz::Check checks[] = {
+        RecordFuzz::CheckRoundTrip<PushPayload>,
+        CheckExtensionInfo,
+        RecordFuzz::CheckRoundTrip<RemoteLocationRequest>,
+    };
+    return RecordFuzz::Dispatch(data, size, checks);
 }

@@ -21,33 +21,13 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    if (size == 0) {
-        return 0;
-    }
-    const uint8_t* body = data + 1;
-    const size_t bodySize = size - 1;
-    switch (data[0] % 6) {
-        case 0:
-            RecordFuzz::CheckRoundTrip<MsgTimePoints>(body, bodySize);
-            break;
-        case 1:
-            RecordFuzz::CheckRoundTrip<RemoteWantAgent>(body, bodySize);
-            break;
-        case 2:
-            RecordFuzz::CheckRoundTrip<RemoteNotificationContent>(body, bodySize);
-            break;
-        case 3:
-            RecordFuzz::CheckRoundTrip<RemoteNotificationInfo>(body, bodySize);
-            break;
-        case 4:
-            RecordFuzz::CheckRoundTrip<RemoteNotificationRequest>(body, bodySize);
-            break;
-        default:
-            RecordFuzz::CheckRoundTrip<RemoteNotificationResult>(
-                body, bodySize, [](const RemoteNotificationResult& a, const RemoteNotificationResult& b) {
-                    return a == b || RecordFuzz::HasNaN(a.GetParameters().get());
-                });
-            break;
-    }
-    return 0;
+    static const RecordFuzz::Check checks[] = {
+        RecordFuzz::CheckRoundTrip<MsgTimePoints>,
+        RecordFuzz::CheckRoundTrip<RemoteWantAgent>,
+        RecordFuzz::CheckRoundTrip<RemoteNotificationContent>,
+        RecordFuzz::CheckRoundTrip<RemoteNotificationInfo>,
+        RecordFuzz::CheckRoundTrip<RemoteNotificationRequest>,
+        RecordFuzz::CheckRoundTripWithParams<RemoteNotificationResult, &RemoteNotificationResult::GetParameters>,
+    };
+    return RecordFuzz::Dispatch(data, size, checks);
 }

@@ -35,6 +35,12 @@ void CheckJson(const uint8_t* data, size_t size)
     }
 }
 
+void CheckEntity(const uint8_t* data, size_t size)
+{
+    RecordFuzz::CheckRoundTripWithParams<EntitySetting, &EntitySetting::GetExtraInfo>(data, size);
+    CheckJson(data, size);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
@@ -45,25 +51,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    if (size == 0) {
-        return 0;
-    }
-    const uint8_t* body = data + 1;
-    const size_t bodySize = size - 1;
-    switch (data[0] % 3) {
-        case 0:
-            RecordFuzz::CheckRoundTrip<EntitySetting>(body, bodySize,
-                                                      [](const EntitySetting& a, const EntitySetting& b) {
-                                                          return a == b || RecordFuzz::HasNaN(a.GetExtraInfo().get());
-                                                      });
-            CheckJson(body, bodySize);
-            break;
-        case 1:
-            RecordFuzz::CheckRoundTrip<SubscribeNotificationSetting>(body, bodySize);
-            break;
-        default:
-            RecordFuzz::CheckRoundTrip<SubscribeNotificationBasicSetting>(body, bodySize);
-            break;
-    }
-    return 0;
+    static const RecordFuzz::Check checks[] = {
+        CheckEntity,
+        RecordFuzz::CheckRoundTrip<SubscribeNotificationSetting>,
+        RecordFuzz::CheckRoundTrip<SubscribeNotificationBasicSetting>,
+    };
+    return RecordFuzz::Dispatch(data, size, checks);
 }

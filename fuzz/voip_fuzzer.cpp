@@ -19,26 +19,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    if (size == 0) {
-        return 0;
-    }
-    const uint8_t* body = data + 1;
-    const size_t bodySize = size - 1;
-    switch (data[0] % 4) {
-        case 0:
-            RecordFuzz::CheckRoundTrip<VoIPInfo>(body, bodySize);
-            break;
-        case 1:
-            RecordFuzz::CheckRoundTrip<VoIPRequest>(body, bodySize);
-            break;
-        case 2:
-            RecordFuzz::CheckRoundTrip<VoIPResult>(body, bodySize, [](const VoIPResult& a, const VoIPResult& b) {
-                return a == b || RecordFuzz::HasNaN(a.GetParameters().get());
-            });
-            break;
-        default:
-            RecordFuzz::CheckRoundTrip<ReportVoIPCallParams>(body, bodySize);
-            break;
-    }
-    return 0;
+    static const RecordFuzz::Check checks[] = {
+        RecordFuzz::CheckRoundTrip<VoIPInfo>,
+        RecordFuzz::CheckRoundTrip<VoIPRequest>,
+        RecordFuzz::CheckRoundTripWithParams<VoIPResult, &VoIPResult::GetParameters>,
+        RecordFuzz::CheckRoundTrip<ReportVoIPCallParams>,
+    };
+    return RecordFuzz::Dispatch(data, size, checks);
 }

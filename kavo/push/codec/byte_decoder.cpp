@@ -32,6 +32,18 @@ PushBaseRsp ReadRaw(T& out, const std::string& data, size_t offset)
     return rsp;
 }
 
+// The wider unsigned reads turn the data's network byte order into the host's.
+template <typename T>
+PushBaseRsp ReadNetworkOrder(T& out, const std::string& data, size_t offset, T (*net2Host)(const T&))
+{
+    T raw = 0;
+    PushBaseRsp rsp = ReadRaw(raw, data, offset);
+    if (rsp.Succeed()) {
+        out = net2Host(raw);
+    }
+    return rsp;
+}
+
 // The signed reads go through the unsigned ones and reinterpret the bits.
 template <typename Signed, typename Unsigned>
 PushBaseRsp ReadSigned(Signed& out, const std::string& data, size_t offset,
@@ -59,12 +71,7 @@ PushBaseRsp ByteDecoder::DecodeAsInt8(int8_t& out, const std::string& data, cons
 
 PushBaseRsp ByteDecoder::DecodeAsUint16(uint16_t& out, const std::string& data, const size_t& offset)
 {
-    uint16_t raw = 0;
-    PushBaseRsp rsp = ReadRaw(raw, data, offset);
-    if (rsp.Succeed()) {
-        out = SymbolConvert::Net2HostUint16(raw);
-    }
-    return rsp;
+    return ReadNetworkOrder(out, data, offset, &SymbolConvert::Net2HostUint16);
 }
 
 PushBaseRsp ByteDecoder::DecodeAsInt16(int16_t& out, const std::string& data, const size_t& offset)
@@ -74,12 +81,7 @@ PushBaseRsp ByteDecoder::DecodeAsInt16(int16_t& out, const std::string& data, co
 
 PushBaseRsp ByteDecoder::DecodeAsUint32(uint32_t& out, const std::string& data, const size_t& offset)
 {
-    uint32_t raw = 0;
-    PushBaseRsp rsp = ReadRaw(raw, data, offset);
-    if (rsp.Succeed()) {
-        out = SymbolConvert::Net2HostUint32(raw);
-    }
-    return rsp;
+    return ReadNetworkOrder(out, data, offset, &SymbolConvert::Net2HostUint32);
 }
 
 PushBaseRsp ByteDecoder::DecodeAsInt32(int32_t& out, const std::string& data, const size_t& offset)
@@ -89,12 +91,7 @@ PushBaseRsp ByteDecoder::DecodeAsInt32(int32_t& out, const std::string& data, co
 
 PushBaseRsp ByteDecoder::DecodeAsUint64(uint64_t& out, const std::string& data, const size_t& offset)
 {
-    uint64_t raw = 0;
-    PushBaseRsp rsp = ReadRaw(raw, data, offset);
-    if (rsp.Succeed()) {
-        out = SymbolConvert::Net2HostUint64(raw);
-    }
-    return rsp;
+    return ReadNetworkOrder(out, data, offset, &SymbolConvert::Net2HostUint64);
 }
 
 PushBaseRsp ByteDecoder::DecodeAsInt64(int64_t& out, const std::string& data, const size_t& offset)
