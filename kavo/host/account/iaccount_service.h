@@ -16,9 +16,9 @@ namespace Kavo::AccountSA {
 using ErrCode = int32_t;
 
 // The code of every operation when the account service cannot be reached.
-constexpr ErrCode ERR_ACCOUNT_COMMON_GET_SYSTEM_ABILITY_MANAGER = 4194321;
+constexpr ErrCode ACCOUNT_SERVICE_UNAVAILABLE = 4194321;
 // Answered for an account or uid the service does not know.
-constexpr ErrCode ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR = 4194323;
+constexpr ErrCode ACCOUNT_NOT_FOUND = 4194323;
 // Each OS account owns the uids [localId * UID_TRANSFORM_DIVISOR, (localId + 1) * UID_TRANSFORM_DIVISOR).
 constexpr int32_t UID_TRANSFORM_DIVISOR = 200000;
 
@@ -36,7 +36,7 @@ struct KavoAccountInfo {
 // The uid text of the distributed account when nobody is logged in.
 inline const char* const ANONYMOUS_ACCOUNT_UID = "kavoAnonymousUid";
 
-class KAVO_HOST_EXPORT IAccountService : public IRemoteBroker {
+class KAVO_HOST_EXPORT IAccountService : public ServiceInterface {
 public:
     static const std::u16string& GetDescriptor();
 

@@ -26,7 +26,7 @@ ErrCode WithService(Call&& call)
 {
     sptr<IAccountService> service = GetService();
     if (service == nullptr) {
-        return ERR_ACCOUNT_COMMON_GET_SYSTEM_ABILITY_MANAGER;
+        return ACCOUNT_SERVICE_UNAVAILABLE;
     }
     return call(*service);
 }

@@ -1,6 +1,6 @@
 // The account clients: OsAccountManager (OS accounts) and KavoAccountKits (the distributed
 // account). Each call looks the account service up under system ability 200 and answers
-// ERR_ACCOUNT_COMMON_GET_SYSTEM_ABILITY_MANAGER (4194321) when it is not registered.
+// ACCOUNT_SERVICE_UNAVAILABLE (4194321) when it is not registered.
 // Stateless; callable from any thread.
 #ifndef KAVO_HOST_ACCOUNT_OS_ACCOUNT_MANAGER_H
 #define KAVO_HOST_ACCOUNT_OS_ACCOUNT_MANAGER_H

@@ -40,9 +40,9 @@ struct RunningProcessInfo {
 };
 
 // Return codes of the application manager.
-constexpr int32_t ERR_APP_MGR_INVALID_USER_ID = 10;
+constexpr int32_t APP_MGR_INVALID_USER_ID = 10;
 
-class KAVO_HOST_EXPORT IAppMgr : public IRemoteBroker {
+class KAVO_HOST_EXPORT IAppMgr : public ServiceInterface {
 public:
     static const std::u16string& GetDescriptor();
 

@@ -35,12 +35,12 @@ enum GetBundleInfoFlag : int32_t {
 };
 
 // Return codes of the bundle manager.
-constexpr int32_t ERR_OK = 0;
-constexpr int32_t ERR_BUNDLE_MANAGER_INVALID_USER_ID = 8521217;
-constexpr int32_t ERR_BUNDLE_MANAGER_BUNDLE_NOT_EXIST = 8521220;
-constexpr int32_t ERR_BUNDLE_MANAGER_ABILITY_NOT_EXIST = 8521221;
-constexpr int32_t ERR_BUNDLE_MANAGER_INVALID_UID = 8521225;
-constexpr int32_t ERR_BUNDLE_MANAGER_APPINDEX_NOT_EXIST = 8521290;
+constexpr int32_t BUNDLE_OK = 0;
+constexpr int32_t BUNDLE_INVALID_USER_ID = 8521217;
+constexpr int32_t BUNDLE_NOT_INSTALLED = 8521220;
+constexpr int32_t BUNDLE_ABILITY_NOT_FOUND = 8521221;
+constexpr int32_t BUNDLE_INVALID_UID = 8521225;
+constexpr int32_t BUNDLE_CLONE_NOT_FOUND = 8521290;
 // The uid answered for a bundle the manager does not know.
 constexpr int32_t INVALID_UID = -1;
 

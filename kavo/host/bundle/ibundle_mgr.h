@@ -16,7 +16,7 @@ namespace Kavo::AppExecFwk {
 
 using ErrCode = int32_t;
 
-class KAVO_HOST_EXPORT IBundleMgr : public IRemoteBroker {
+class KAVO_HOST_EXPORT IBundleMgr : public ServiceInterface {
 public:
     static const std::u16string& GetDescriptor();
 

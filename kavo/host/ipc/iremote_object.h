@@ -17,32 +17,32 @@
 namespace Kavo {
 
 // Base of every service interface.
-class KAVO_HOST_EXPORT IRemoteBroker : public virtual RefBase {
+class KAVO_HOST_EXPORT ServiceInterface : public virtual RefBase {
 public:
-    ~IRemoteBroker() override = default;
+    ~ServiceInterface() override = default;
 };
 
 class KAVO_HOST_EXPORT IRemoteObject : public virtual RefBase {
 public:
-    IRemoteObject(std::u16string descriptor, sptr<IRemoteBroker> broker)
+    IRemoteObject(std::u16string descriptor, sptr<ServiceInterface> broker)
         : descriptor_(std::move(descriptor)), broker_(std::move(broker))
     {
     }
     ~IRemoteObject() override = default;
 
     const std::u16string& GetObjectDescriptor() const { return descriptor_; }
-    const sptr<IRemoteBroker>& GetBroker() const { return broker_; }
+    const sptr<ServiceInterface>& GetBroker() const { return broker_; }
 
 private:
     std::u16string descriptor_;
-    sptr<IRemoteBroker> broker_;
+    sptr<ServiceInterface> broker_;
 };
 
 // The remote object of a service, announced under the descriptor of interface I.
 template <typename I>
 sptr<IRemoteObject> AsRemoteObject(const sptr<I>& service)
 {
-    return MakeSptr<IRemoteObject>(I::GetDescriptor(), sptr<IRemoteBroker>(service));
+    return MakeSptr<IRemoteObject>(I::GetDescriptor(), sptr<ServiceInterface>(service));
 }
 
 // The interface I of a remote object: null for a null object, a descriptor other than

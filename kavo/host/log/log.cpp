@@ -34,19 +34,19 @@ LogLevel MinimumStderrLevel()
 {
     const char* value = std::getenv("KAVO_LOG_LEVEL");
     if (value == nullptr) {
-        return LOG_WARN;
+        return LEVEL_WARN;
     }
     static const struct {
         const char* name;
         LogLevel level;
     } names[] = {
-        {"debug", LOG_DEBUG}, {"info", LOG_INFO}, {"warn", LOG_WARN}, {"error", LOG_ERROR}, {"fatal", LOG_FATAL}};
+        {"debug", LEVEL_DEBUG}, {"info", LEVEL_INFO}, {"warn", LEVEL_WARN}, {"error", LEVEL_ERROR}, {"fatal", LEVEL_FATAL}};
     for (const auto& entry : names) {
         if (std::strcmp(value, entry.name) == 0) {
             return entry.level;
         }
     }
-    return LOG_WARN;
+    return LEVEL_WARN;
 }
 
 }  // namespace
@@ -54,15 +54,15 @@ LogLevel MinimumStderrLevel()
 std::string LogLevelName(LogLevel level)
 {
     switch (level) {
-        case LOG_DEBUG:
+        case LEVEL_DEBUG:
             return "DEBUG";
-        case LOG_INFO:
+        case LEVEL_INFO:
             return "INFO";
-        case LOG_WARN:
+        case LEVEL_WARN:
             return "WARN";
-        case LOG_ERROR:
+        case LEVEL_ERROR:
             return "ERROR";
-        case LOG_FATAL:
+        case LEVEL_FATAL:
             return "FATAL";
     }
     return "LEVEL" + std::to_string(static_cast<int>(level));
@@ -73,7 +73,7 @@ std::string FormatLogMessage(const char* fmt, va_list args, bool showPrivate)
     return internal::FormatPrivacy(fmt, args, showPrivate);
 }
 
-int LogPrintV(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list args)
+int LogPrintV(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list args)
 {
     if (fmt == nullptr) {
         return -1;
@@ -94,7 +94,7 @@ int LogPrintV(LogType type, LogLevel level, unsigned int domain, const char* tag
     return static_cast<int>(line.text.size());
 }
 
-int LogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
+int LogPrint(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
 {
     va_list args;
     va_start(args, fmt);

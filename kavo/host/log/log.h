@@ -1,6 +1,6 @@
 // The platform log: one print operation with privacy markers, and a capture for tests.
 //
-//   Kavo::LogPrint(Kavo::LOG_CORE, Kavo::LOG_ERROR, 0xD005300, "push", "id %{public}d", 7);
+//   Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_ERROR, 0xD005300, "push", "id %{public}d", 7);
 //
 // A conversion written "%{public}..." prints its argument; a plain or "%{private}..." one prints
 // "<private>" unless KAVO_LOG_PRIVATE=show. Lines reach standard error as
@@ -19,11 +19,12 @@
 
 namespace Kavo {
 
-enum LogType : int { LOG_APP = 0, LOG_INIT = 1, LOG_CORE = 3, LOG_KMSG = 4 };
-enum LogLevel : int { LOG_DEBUG = 3, LOG_INFO = 4, LOG_WARN = 5, LOG_ERROR = 6, LOG_FATAL = 7 };
+// The push service logs from one source, the system-service log (type 3).
+enum LogSource : int { LOG_SOURCE_SERVICE = 3 };
+enum LogLevel : int { LEVEL_DEBUG = 3, LEVEL_INFO = 4, LEVEL_WARN = 5, LEVEL_ERROR = 6, LEVEL_FATAL = 7 };
 
-KAVO_HOST_EXPORT int LogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
-KAVO_HOST_EXPORT int LogPrintV(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
+KAVO_HOST_EXPORT int LogPrint(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
+KAVO_HOST_EXPORT int LogPrintV(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
                                va_list args);
 
 // Formats `fmt` the way the log prints it. Every argument is consumed by its own conversion
@@ -34,7 +35,7 @@ KAVO_HOST_EXPORT std::string FormatLogMessage(const char* fmt, va_list args, boo
 KAVO_HOST_EXPORT std::string LogLevelName(LogLevel level);
 
 struct LogLine {
-    LogType type;
+    LogSource type;
     LogLevel level;
     unsigned int domain;
     std::string tag;

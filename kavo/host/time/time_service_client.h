@@ -19,7 +19,7 @@
 
 namespace Kavo::MiscServices {
 
-class KAVO_HOST_EXPORT ITimeService : public IRemoteBroker {
+class KAVO_HOST_EXPORT ITimeService : public ServiceInterface {
 public:
     static const std::u16string& GetDescriptor();
 

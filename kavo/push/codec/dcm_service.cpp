@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 #include "kavo/push/codec/push_base64_convert.h"
 #include "kavo/push/common/push_log.h"
 

@@ -7,7 +7,7 @@
 #include <climits>
 #include <vector>
 
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 #include "kavo/push/event/report_log.h"
 
 namespace Kavo::Push {

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 #include "kavo/push/common/push_log.h"
 
 namespace Kavo::Push {

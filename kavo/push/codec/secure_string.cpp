@@ -1,6 +1,6 @@
 #include "kavo/push/codec/secure_string.h"
 
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 
 namespace Kavo::Push {
 

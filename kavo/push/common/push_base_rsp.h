@@ -19,14 +19,14 @@ public:
     static constexpr int NOT_SET = INT_MIN;
 
     PushBaseRsp();
-    explicit PushBaseRsp(PushError const& err);
+    PushBaseRsp(PushError const& err);
     // The description is formatted from an ordinary printf format, at most 4096 characters;
     // a format that fails or is longer leaves the description empty.
     PushBaseRsp(PushError const& err, char const* fmt, ...);
     PushBaseRsp(int subStatusCode, PushError const& err, char const* fmt, ...);
     PushBaseRsp(PushError const& err, std::string const& desc);
     PushBaseRsp(PushError const& err, int innerErr, std::string const& desc);
-    explicit PushBaseRsp(PushInnerError const& inner);
+    PushBaseRsp(PushInnerError const& inner);
     PushBaseRsp(std::string const& desc, PushInnerError const& inner);
 
     bool Succeed() const { return errCode_ == PUSH_SUCCESS; }

@@ -19,12 +19,12 @@ inline const std::string PUSH_LOG_TAG = "push";
 }  // namespace Kavo::Push
 
 #define PUSH_LOG_PRINT(level, fmt, ...)                                                                                \
-    ((void)::Kavo::LogPrint(::Kavo::LOG_CORE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                                  \
+    ((void)::Kavo::LogPrint(::Kavo::LOG_SOURCE_SERVICE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                                  \
                             ::Kavo::Push::PUSH_LOG_TAG.c_str(), fmt, ##__VA_ARGS__))
 
-#define PUSH_LOGD(fmt, ...) PUSH_LOG_PRINT(::Kavo::LOG_DEBUG, fmt, ##__VA_ARGS__)
-#define PUSH_LOGI(fmt, ...) PUSH_LOG_PRINT(::Kavo::LOG_INFO, fmt, ##__VA_ARGS__)
-#define PUSH_LOGW(fmt, ...) PUSH_LOG_PRINT(::Kavo::LOG_WARN, fmt, ##__VA_ARGS__)
-#define PUSH_LOGE(fmt, ...) PUSH_LOG_PRINT(::Kavo::LOG_ERROR, fmt, ##__VA_ARGS__)
+#define PUSH_LOGD(fmt, ...) PUSH_LOG_PRINT(::Kavo::LEVEL_DEBUG, fmt, ##__VA_ARGS__)
+#define PUSH_LOGI(fmt, ...) PUSH_LOG_PRINT(::Kavo::LEVEL_INFO, fmt, ##__VA_ARGS__)
+#define PUSH_LOGW(fmt, ...) PUSH_LOG_PRINT(::Kavo::LEVEL_WARN, fmt, ##__VA_ARGS__)
+#define PUSH_LOGE(fmt, ...) PUSH_LOG_PRINT(::Kavo::LEVEL_ERROR, fmt, ##__VA_ARGS__)
 
 #endif  // KAVO_PUSH_COMMON_PUSH_LOG_H

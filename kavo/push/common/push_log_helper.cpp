@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 
 namespace Kavo::Push {
 
@@ -16,7 +16,7 @@ std::string PushLogHelper::SerializeLogDetail(char const* const& fmt, va_list ar
 {
     constexpr size_t bufferSize = MAX_LOG_DETAIL_LENGTH + 1;
     auto buffer = std::make_unique<char[]>(bufferSize);
-    if (Kavo::memset_s(buffer.get(), bufferSize, 0, bufferSize) != Kavo::EOK) {
+    if (Kavo::memset_s(buffer.get(), bufferSize, 0, bufferSize) != Kavo::CHECKED_OK) {
         return std::string();
     }
     va_list copy;

@@ -15,7 +15,7 @@ namespace Kavo::Push {
 class KAVO_PUSH_EXPORT VoIPResult : public Parcelable {
 public:
     VoIPResult() = default;
-    explicit VoIPResult(const std::shared_ptr<AAFwk::WantParams>& parameters);
+    VoIPResult(const std::shared_ptr<AAFwk::WantParams>& parameters);
     ~VoIPResult() override = default;
 
     std::shared_ptr<AAFwk::WantParams> GetParameters() const { return parameters_; }

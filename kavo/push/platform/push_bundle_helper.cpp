@@ -36,7 +36,7 @@ const std::map<std::string, ExtensionAbilityType> EXTENSION_TYPES = {
 
 constexpr int BUNDLE_MGR_ABILITY_ID = BUNDLE_MGR_SERVICE_SYS_ABILITY_ID;
 constexpr int BUNDLE_FLAG_WITH_APPLICATION = AppExecFwk::GET_BUNDLE_INFO_WITH_APPLICATION;
-constexpr int32_t ERR_BUNDLE_NOT_EXIST = AppExecFwk::ERR_BUNDLE_MANAGER_BUNDLE_NOT_EXIST;  // 0x820604
+constexpr int32_t ERR_BUNDLE_NOT_EXIST = AppExecFwk::BUNDLE_NOT_INSTALLED;  // 0x820604
 
 }  // namespace
 

@@ -71,7 +71,7 @@ TEST_F(DeviceTest, UidsAndAccountsFollowTheInstalledState)
             EXPECT_EQ(std::make_tuple(name, appIndex, localId), std::make_tuple(MAIL, c.appIndex, c.userId));
         }
     }
-    EXPECT_EQ(Bms()->GetNameForUid(20010099, name), ERR_BUNDLE_MANAGER_INVALID_UID);
+    EXPECT_EQ(Bms()->GetNameForUid(20010099, name), BUNDLE_INVALID_UID);
     std::vector<int32_t> active{55};
     EXPECT_EQ(OsAccountManager::QueryActiveOsAccountIds(active), 0);
     EXPECT_EQ(active, (std::vector<int32_t>{100, 101})) << "the list is cleared, then filled";

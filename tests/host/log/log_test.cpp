@@ -121,15 +121,15 @@ TEST(LogPrint, CaptureRecordsEveryFieldAndTheFilterDecidesOnlyStderr)
         const char* stderrText;  // "" when filtered out
     };
     const Case cases[] = {
-        {nullptr, nullptr, Kavo::LOG_INFO, "push", DOMAIN, ""},
-        {nullptr, nullptr, Kavo::LOG_WARN, "push", DOMAIN, "WARN D005300/push: uid <private> of 7\n"},
-        {"debug", "show", Kavo::LOG_DEBUG, "push", DOMAIN, "DEBUG D005300/push: uid 20010 of 7\n"},
-        {"info", nullptr, Kavo::LOG_INFO, nullptr, DOMAIN, "INFO D005300/: uid <private> of 7\n"},
-        {"info", nullptr, Kavo::LOG_DEBUG, "push", DOMAIN, ""},
-        {"error", "SHOW", Kavo::LOG_WARN, "push", DOMAIN, ""},
-        {"error", "1", Kavo::LOG_ERROR, "push", DOMAIN, "ERROR D005300/push: uid <private> of 7\n"},
-        {"verbose", nullptr, Kavo::LOG_INFO, "push", DOMAIN, ""},
-        {"verbose", nullptr, Kavo::LOG_WARN, "other", 0xD001234, "WARN D001234/other: uid <private> of 7\n"},
+        {nullptr, nullptr, Kavo::LEVEL_INFO, "push", DOMAIN, ""},
+        {nullptr, nullptr, Kavo::LEVEL_WARN, "push", DOMAIN, "WARN D005300/push: uid <private> of 7\n"},
+        {"debug", "show", Kavo::LEVEL_DEBUG, "push", DOMAIN, "DEBUG D005300/push: uid 20010 of 7\n"},
+        {"info", nullptr, Kavo::LEVEL_INFO, nullptr, DOMAIN, "INFO D005300/: uid <private> of 7\n"},
+        {"info", nullptr, Kavo::LEVEL_DEBUG, "push", DOMAIN, ""},
+        {"error", "SHOW", Kavo::LEVEL_WARN, "push", DOMAIN, ""},
+        {"error", "1", Kavo::LEVEL_ERROR, "push", DOMAIN, "ERROR D005300/push: uid <private> of 7\n"},
+        {"verbose", nullptr, Kavo::LEVEL_INFO, "push", DOMAIN, ""},
+        {"verbose", nullptr, Kavo::LEVEL_WARN, "other", 0xD001234, "WARN D001234/other: uid <private> of 7\n"},
     };
     for (const auto& c : cases) {
         std::string name = std::string(c.level ? c.level : "-") + "/" + (c.privacy ? c.privacy : "-");
@@ -137,7 +137,7 @@ TEST(LogPrint, CaptureRecordsEveryFieldAndTheFilterDecidesOnlyStderr)
         ScopedEnv privacy("KAVO_LOG_PRIVATE", c.privacy);
         LogCapture capture;
         ::testing::internal::CaptureStderr();
-        Kavo::LogPrint(Kavo::LOG_APP, c.printed, c.domain, c.tag, "uid %d of %{public}d", 20010, 7);
+        Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, c.printed, c.domain, c.tag, "uid %d of %{public}d", 20010, 7);
         EXPECT_EQ(::testing::internal::GetCapturedStderr(), c.stderrText) << name;
         auto lines = capture.Lines();
         ASSERT_EQ(lines.size(), 1u) << name;
@@ -153,7 +153,7 @@ TEST(LogPrint, CaptureRecordsEveryFieldAndTheFilterDecidesOnlyStderr)
 TEST(LogCapture, NestedCapturesAndCapturesOnOtherThreadsSeeEveryLineOfTheirLifetime)
 {
     auto print = [](int thread, int line) {
-        Kavo::LogPrint(Kavo::LOG_CORE, Kavo::LOG_DEBUG, DOMAIN, "push", "thread %{public}d line %{public}d", thread,
+        Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_DEBUG, DOMAIN, "push", "thread %{public}d line %{public}d", thread,
                        line);
     };
     LogCapture outer;

@@ -79,7 +79,7 @@ TEST(NetworkOrderTest, ReadsAreBigEndianAndLeaveOutAloneWhenOutOfRange)
         EXPECT_EQ(rsp.GetErr(), c.error.empty() ? PUSH_SUCCESS : PUSH_ERR_SYSTEM_INTERNAL);
         EXPECT_EQ(rsp.GetErrDescription(), c.error);
         EXPECT_EQ(log.Texts(), c.error.empty() ? Texts{} : Texts{c.error});
-        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines()[0].level, Kavo::LOG_ERROR);
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LEVEL_ERROR : log.Lines()[0].level, Kavo::LEVEL_ERROR);
     }
     const uint64_t net = SymbolConvert::Host2NetUint64(0x0102030405060708ULL);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(&net), 8), "\x01\x02\x03\x04\x05\x06\x07\x08");
@@ -165,7 +165,7 @@ TEST(Base64Test, FailuresAreLoggedAndReported)
         KavoTest::ReportRecorder reports;
         EXPECT_EQ(c.convert(), c.result);
         EXPECT_EQ(log.Texts(), c.error.empty() ? Texts{} : Texts{c.error});
-        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines()[0].level, Kavo::LOG_ERROR);
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LEVEL_ERROR : log.Lines()[0].level, Kavo::LEVEL_ERROR);
         EXPECT_EQ(reports.Reports(), (c.error.empty() ? Reports{} : Reports{{100002014, c.error}}));
     }
 }
@@ -198,7 +198,7 @@ TEST(Sha256Test, KnownAnswersAndRefusedEmptyData)
         EXPECT_EQ(log.Texts(), (c.data.empty() ? Texts{"EncryptWithSha256: Parame is Illeage",
                                                        "EncryptWithSha256Base6: Parame is Illeage"}
                                                : Texts{}));
-        EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_WARN : log.Lines().back().level, Kavo::LOG_WARN);
+        EXPECT_EQ(log.Lines().empty() ? Kavo::LEVEL_WARN : log.Lines().back().level, Kavo::LEVEL_WARN);
     }
 }
 

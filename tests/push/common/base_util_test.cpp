@@ -76,7 +76,7 @@ TEST(BaseUtilSafeStoiTest, AcceptsOnlyAMinusAndDigitsInIntRange)
             EXPECT_EQ(value, UNTOUCHED) << str;
             ASSERT_EQ(capture.Lines().size(), 1u) << str;
             EXPECT_EQ(capture.Lines()[0].text, log) << str;
-            EXPECT_EQ(capture.Lines()[0].level, Kavo::LOG_ERROR) << str;
+            EXPECT_EQ(capture.Lines()[0].level, Kavo::LEVEL_ERROR) << str;
         }
     }
     for (const char* input : {"9223372036854775808", "-9223372036854775809"}) {

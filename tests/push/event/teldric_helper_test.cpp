@@ -91,7 +91,7 @@ TEST(TeldricHelperTest, LogAndReportWritesOneErrorLineThenOneReport)
     PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", 7);
     TeldricHelper::SetReportException(nullptr);
     ASSERT_EQ(capture.Lines().size(), 1u);
-    EXPECT_EQ(capture.Lines()[0].level, Kavo::LOG_ERROR);
+    EXPECT_EQ(capture.Lines()[0].level, Kavo::LEVEL_ERROR);
     EXPECT_EQ(capture.Lines()[0].text, "Read x Error <private>");
     EXPECT_EQ(reports, (Reports{{100002014, "Read x Error 7"}}));
     EXPECT_EQ(linesAtReport, 1u) << "the line is written before the report";

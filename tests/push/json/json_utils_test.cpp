@@ -28,7 +28,7 @@ TEST(JsonTextTest, ParseFailuresCarryTheParserTextAndWritesKeepUtf8)
         EXPECT_EQ(rsp.GetInfo(), "json parse error, ret: 0, errs: " + errs + ": error(1000900001)");
         EXPECT_EQ(untouched, Json::Value("untouched"));
         ASSERT_EQ(cap.Lines().size(), 1u);
-        EXPECT_EQ(cap.Lines()[0].level, Kavo::LOG_WARN);
+        EXPECT_EQ(cap.Lines()[0].level, Kavo::LEVEL_WARN);
         EXPECT_EQ(cap.Lines()[0].text, "json parse error");
     }
     root["name"] = "Zo\xC3\xAB \xE6\x8E\xA8";

@@ -167,7 +167,7 @@ public:
                                                       "New MsgTimePoints error"};
         EXPECT_EQ(log_.Texts(), texts) << where;
         for (const auto& line : log_.Lines()) {
-            EXPECT_TRUE(line.level == Kavo::LOG_ERROR && line.domain == 0xD005300u && line.tag == "push") << where;
+            EXPECT_TRUE(line.level == Kavo::LEVEL_ERROR && line.domain == 0xD005300u && line.tag == "push") << where;
         }
         std::vector<std::pair<int, std::string>> expected;
         for (const auto& text : texts) {

@@ -25,7 +25,7 @@ void ExpectResult(const PushBaseRsp& rsp, const Kavo::LogCapture& log, int err, 
     EXPECT_EQ(rsp.GetInnerErr(), inner);
     EXPECT_EQ(rsp.GetErrDescription(), desc);
     EXPECT_EQ(log.Texts(), logs);
-    EXPECT_EQ(log.Lines().empty() ? Kavo::LOG_ERROR : log.Lines().back().level, Kavo::LOG_ERROR);
+    EXPECT_EQ(log.Lines().empty() ? Kavo::LEVEL_ERROR : log.Lines().back().level, Kavo::LEVEL_ERROR);
 }
 
 // Survival time, then the overlay-icon limit, then the content limit: the first failure is

@@ -4,7 +4,7 @@
 
 namespace Kavo::Host::internal {
 
-using AccountSA::ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR;
+using AccountSA::ACCOUNT_NOT_FOUND;
 using AccountSA::ErrCode;
 
 int32_t DeviceAppMgr::GetRunningProcessInformation(const std::string& bundleName, int32_t userId,
@@ -15,7 +15,7 @@ int32_t DeviceAppMgr::GetRunningProcessInformation(const std::string& bundleName
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(userId) == nullptr) {
-        return ERR_APP_MGR_INVALID_USER_ID;
+        return APP_MGR_INVALID_USER_ID;
     }
     infos.clear();
     const InstalledBundle* bundle = state_->FindBundleLocked(bundleName);
@@ -59,7 +59,7 @@ ErrCode DeviceAccountService::GetOsAccountLocalIdFromUid(int32_t uid, int32_t& l
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (uid < 0 || state_->FindAccountLocked(uid / UID_RANGE) == nullptr) {
-        return ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR;
+        return ACCOUNT_NOT_FOUND;
     }
     localId = uid / UID_RANGE;
     return 0;
@@ -73,7 +73,7 @@ ErrCode DeviceAccountService::GetOsAccountLocalIdFromProcess(int32_t& localId)
     int32_t uid = IPCSkeleton::GetSelfUid();
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(uid / UID_RANGE) == nullptr) {
-        return ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR;
+        return ACCOUNT_NOT_FOUND;
     }
     localId = uid / UID_RANGE;
     return 0;
@@ -107,7 +107,7 @@ ErrCode DeviceAccountService::GetForegroundOsAccountLocalId(int32_t& localId)
             return 0;
         }
     }
-    return ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR;
+    return ACCOUNT_NOT_FOUND;
 }
 
 ErrCode DeviceAccountService::IsOsAccountVerified(int32_t localId, bool& isVerified)
@@ -118,7 +118,7 @@ ErrCode DeviceAccountService::IsOsAccountVerified(int32_t localId, bool& isVerif
     std::lock_guard<std::mutex> lock(state_->mutex);
     const OsAccount* account = state_->FindAccountLocked(localId);
     if (account == nullptr) {
-        return ERR_ACCOUNT_COMMON_ACCOUNT_NOT_EXIST_ERROR;
+        return ACCOUNT_NOT_FOUND;
     }
     isVerified = account->verified;
     return 0;

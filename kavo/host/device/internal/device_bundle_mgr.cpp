@@ -43,11 +43,11 @@ ErrCode DeviceBundleMgr::QueryExtensions(const Want& want, const ExtensionAbilit
 {
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(userId) == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_USER_ID;
+        return BUNDLE_INVALID_USER_ID;
     }
     const InstalledBundle* bundle = state_->FindBundleLocked(want.GetBundle());
     if (bundle == nullptr || !DeviceState::HasCloneLocked(*bundle, userId, 0)) {
-        return ERR_BUNDLE_MANAGER_BUNDLE_NOT_EXIST;
+        return BUNDLE_NOT_INSTALLED;
     }
     infos.clear();
     for (auto extension : bundle->extensions) {
@@ -59,7 +59,7 @@ ErrCode DeviceBundleMgr::QueryExtensions(const Want& want, const ExtensionAbilit
             infos.push_back(extension);
         }
     }
-    return infos.empty() ? ERR_BUNDLE_MANAGER_ABILITY_NOT_EXIST : ERR_OK;
+    return infos.empty() ? BUNDLE_ABILITY_NOT_FOUND : BUNDLE_OK;
 }
 
 ErrCode DeviceBundleMgr::QueryExtensionAbilityInfosV9(const Want& want, int32_t, int32_t userId,
@@ -87,7 +87,7 @@ ErrCode DeviceBundleMgr::QueryAbilityInfosV9(const Want& want, int32_t, int32_t 
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(userId) == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_USER_ID;
+        return BUNDLE_INVALID_USER_ID;
     }
     infos.clear();
     for (const auto& bundle : state_->bundles) {
@@ -102,7 +102,7 @@ ErrCode DeviceBundleMgr::QueryAbilityInfosV9(const Want& want, int32_t, int32_t 
             }
         }
     }
-    return infos.empty() ? ERR_BUNDLE_MANAGER_ABILITY_NOT_EXIST : ERR_OK;
+    return infos.empty() ? BUNDLE_ABILITY_NOT_FOUND : BUNDLE_OK;
 }
 
 bool DeviceBundleMgr::QueryAbilityInfo(const Want& want, int32_t flags, int32_t userId, AbilityInfo& info)
@@ -111,7 +111,7 @@ bool DeviceBundleMgr::QueryAbilityInfo(const Want& want, int32_t flags, int32_t 
         return false;
     }
     std::vector<AbilityInfo> infos;
-    if (QueryAbilityInfosV9(want, flags, userId, infos) != ERR_OK) {
+    if (QueryAbilityInfosV9(want, flags, userId, infos) != BUNDLE_OK) {
         return false;
     }
     info = infos.front();
@@ -125,7 +125,7 @@ bool DeviceBundleMgr::GetApplicationInfo(const std::string& bundleName, Applicat
         return false;
     }
     BundleInfo bundle;
-    if (FillBundleInfo(bundleName, 0, userId, bundle) != ERR_OK) {
+    if (FillBundleInfo(bundleName, 0, userId, bundle) != BUNDLE_OK) {
         return false;
     }
     info = bundle.applicationInfo;
@@ -141,10 +141,10 @@ ErrCode DeviceBundleMgr::GetNameForUid(int32_t uid, std::string& bundleName)
     int32_t appIndex = 0;
     const InstalledBundle* bundle = state_->BundleOfUidLocked(uid, appIndex);
     if (bundle == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_UID;
+        return BUNDLE_INVALID_UID;
     }
     bundleName = bundle->name;
-    return ERR_OK;
+    return BUNDLE_OK;
 }
 
 int32_t DeviceBundleMgr::GetUidByBundleName(const std::string& bundleName, int32_t userId, int32_t appIndex)
@@ -162,14 +162,14 @@ ErrCode DeviceBundleMgr::FillBundleInfo(const std::string& bundleName, int32_t a
 {
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(userId) == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_USER_ID;
+        return BUNDLE_INVALID_USER_ID;
     }
     const InstalledBundle* bundle = state_->FindBundleLocked(bundleName);
     if (bundle == nullptr || !DeviceState::HasCloneLocked(*bundle, userId, 0)) {
-        return ERR_BUNDLE_MANAGER_BUNDLE_NOT_EXIST;
+        return BUNDLE_NOT_INSTALLED;
     }
     if (!DeviceState::HasCloneLocked(*bundle, userId, appIndex)) {
-        return ERR_BUNDLE_MANAGER_APPINDEX_NOT_EXIST;
+        return BUNDLE_CLONE_NOT_FOUND;
     }
     info = BundleInfo();
     info.name = bundle->name;
@@ -192,7 +192,7 @@ ErrCode DeviceBundleMgr::FillBundleInfo(const std::string& bundleName, int32_t a
             info.extensionInfos.push_back(extension);
         }
     }
-    return ERR_OK;
+    return BUNDLE_OK;
 }
 
 ErrCode DeviceBundleMgr::GetBundleInfoV9(const std::string& bundleName, int32_t, BundleInfo& info, int32_t userId)
@@ -221,11 +221,11 @@ ErrCode DeviceBundleMgr::GetNameAndIndexForUid(int32_t uid, std::string& bundleN
     int32_t index = 0;
     const InstalledBundle* bundle = state_->BundleOfUidLocked(uid, index);
     if (bundle == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_UID;
+        return BUNDLE_INVALID_UID;
     }
     bundleName = bundle->name;
     appIndex = index;
-    return ERR_OK;
+    return BUNDLE_OK;
 }
 
 ErrCode DeviceBundleMgr::IsBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
@@ -236,11 +236,11 @@ ErrCode DeviceBundleMgr::IsBundleInstalled(const std::string& bundleName, int32_
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
     if (state_->FindAccountLocked(userId) == nullptr) {
-        return ERR_BUNDLE_MANAGER_INVALID_USER_ID;
+        return BUNDLE_INVALID_USER_ID;
     }
     const InstalledBundle* bundle = state_->FindBundleLocked(bundleName);
     isInstalled = bundle != nullptr && DeviceState::HasCloneLocked(*bundle, userId, appIndex);
-    return ERR_OK;
+    return BUNDLE_OK;
 }
 
 }  // namespace Kavo::Host::internal

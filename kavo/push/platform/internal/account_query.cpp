@@ -13,7 +13,7 @@ namespace Kavo::Push::internal {
 namespace {
 
 constexpr int ACCOUNT_ABILITY_ID = 200;
-constexpr int32_t ERR_ACCOUNT_SA_NOT_REACHED = AccountSA::ERR_ACCOUNT_COMMON_GET_SYSTEM_ABILITY_MANAGER;
+constexpr int32_t ERR_ACCOUNT_SA_NOT_REACHED = AccountSA::ACCOUNT_SERVICE_UNAVAILABLE;
 
 }  // namespace
 

@@ -1,7 +1,7 @@
 // Bounds-checked memory and formatting functions of the platform's secure library.
 // All functions are stateless and may be called from any thread.
-#ifndef KAVO_HOST_SECURE_SECUREC_H
-#define KAVO_HOST_SECURE_SECUREC_H
+#ifndef KAVO_HOST_SECURE_BOUNDED_MEMORY_H
+#define KAVO_HOST_SECURE_BOUNDED_MEMORY_H
 
 #include <cstdarg>
 #include <cstddef>
@@ -11,13 +11,13 @@
 namespace Kavo {
 
 // Largest destination the checked functions accept; anything larger is taken as a bad size.
-constexpr size_t SECUREC_MEM_MAX_LEN = 0x7fffffffUL;
+constexpr size_t MAX_CHECKED_LENGTH = 0x7fffffffUL;
 
-constexpr int EOK = 0;
-constexpr int EINVAL_SECURE = 22;
-constexpr int ERANGE_SECURE = 34;
+constexpr int CHECKED_OK = 0;
+constexpr int CHECKED_INVALID_ARGUMENT = 22;
+constexpr int CHECKED_OUT_OF_RANGE = 34;
 
-// Fills `count` bytes of `dest` with `c`. Returns EOK, or non-zero when `dest` is null,
+// Fills `count` bytes of `dest` with `c`. Returns CHECKED_OK, or non-zero when `dest` is null,
 // `destMax` is 0 or too large, or `count` exceeds `destMax` (then `destMax` bytes are filled).
 // The fill is never removed by the optimiser, so it can wipe secrets.
 KAVO_HOST_EXPORT int memset_s(void* dest, size_t destMax, int c, size_t count);
@@ -31,4 +31,4 @@ KAVO_HOST_EXPORT int snprintf_s(char* dest, size_t destMax, size_t count, const 
 
 }  // namespace Kavo
 
-#endif  // KAVO_HOST_SECURE_SECUREC_H
+#endif  // KAVO_HOST_SECURE_BOUNDED_MEMORY_H

@@ -1,4 +1,4 @@
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 
 #include <cstdio>
 #include <cstring>
@@ -14,20 +14,20 @@ void* (*const volatile g_memset)(void*, int, size_t) = std::memset;
 
 int memset_s(void* dest, size_t destMax, int c, size_t count)
 {
-    if (dest == nullptr || destMax == 0 || destMax > SECUREC_MEM_MAX_LEN) {
-        return EINVAL_SECURE;
+    if (dest == nullptr || destMax == 0 || destMax > MAX_CHECKED_LENGTH) {
+        return CHECKED_INVALID_ARGUMENT;
     }
     if (count > destMax) {
         g_memset(dest, c, destMax);
-        return ERANGE_SECURE;
+        return CHECKED_OUT_OF_RANGE;
     }
     g_memset(dest, c, count);
-    return EOK;
+    return CHECKED_OK;
 }
 
 int vsnprintf_s(char* dest, size_t destMax, size_t count, const char* format, va_list args)
 {
-    if (dest == nullptr || destMax == 0 || destMax > SECUREC_MEM_MAX_LEN) {
+    if (dest == nullptr || destMax == 0 || destMax > MAX_CHECKED_LENGTH) {
         return -1;
     }
     if (format == nullptr) {

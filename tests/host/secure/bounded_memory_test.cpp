@@ -1,6 +1,6 @@
 // The bounds-checked fill and format (the variadic form, which forwards to the list form), with a
 // guard area after the destination that must never be written.
-#include "kavo/host/secure/securec.h"
+#include "kavo/host/secure/bounded_memory.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 namespace {
 
 constexpr size_t AREA = 32;  // destination plus guard
-constexpr size_t HUGE = Kavo::SECUREC_MEM_MAX_LEN + 1;
+constexpr size_t HUGE = Kavo::MAX_CHECKED_LENGTH + 1;
 const char* const FILL = "(memset_s)";
 
-TEST(Securec, FillAndFormatWriteOnlyWhatTheLimitsAllow)
+TEST(BoundedMemory, FillAndFormatWriteOnlyWhatTheLimitsAllow)
 {
     struct Case {
         const char* name;
@@ -27,7 +27,7 @@ TEST(Securec, FillAndFormatWriteOnlyWhatTheLimitsAllow)
         {"fill: null destination is refused", FILL, true, 16, 4, -1, ""},
         {"fill: zero size is refused", FILL, false, 0, 0, -1, ""},
         {"fill: destination past the largest size is refused", FILL, false, HUGE, 4, -1, ""},
-        {"fill: count below size fills count bytes", FILL, false, 16, 5, Kavo::EOK, "zzzzz"},
+        {"fill: count below size fills count bytes", FILL, false, 16, 5, Kavo::CHECKED_OK, "zzzzz"},
         {"fill: count above size fills the destination only", FILL, false, 16, 17, -1, std::string(16, 'z')},
         {"fill: huge count fills the destination only", FILL, false, 8, SIZE_MAX, -1, "zzzzzzzz"},
         {"exact fit of count and buffer", "hello", false, 6, 5, 5, std::string("hello\0", 6)},
@@ -46,7 +46,7 @@ TEST(Securec, FillAndFormatWriteOnlyWhatTheLimitsAllow)
         char area[AREA];
         std::memset(area, 'A', sizeof(area));
         char* dest = c.nullDest ? nullptr : area;
-        int ret = c.arg == FILL      ? (Kavo::memset_s(dest, c.destMax, 'z', c.count) == Kavo::EOK ? 0 : -1)
+        int ret = c.arg == FILL      ? (Kavo::memset_s(dest, c.destMax, 'z', c.count) == Kavo::CHECKED_OK ? 0 : -1)
                   : c.arg == nullptr ? Kavo::snprintf_s(dest, c.destMax, c.count, nullptr)
                                      : Kavo::snprintf_s(dest, c.destMax, c.count, "%s", c.arg);
         EXPECT_EQ(ret, c.ret) << c.name;
