@@ -60,8 +60,8 @@ void BM_LogPrintMaskedHidden(benchmark::State& state)
     unsetenv("KAVO_LOG_PRIVATE");
     setenv("KAVO_LOG_LEVEL", "warn", 1);  // the debug line is formatted but not written
     for (auto _ : state) {
-        int n = Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_DEBUG, 0xD005300, "push", LOG_FORMAT, "com.example.app", 20010,
-                               0x40u, size_t{4096});
+        int n = Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_DEBUG, 0xD005300, "push", LOG_FORMAT,
+                               "com.example.app", 20010, 0x40u, size_t{4096});
         benchmark::DoNotOptimize(n);
     }
 }

@@ -39,8 +39,11 @@ LogLevel MinimumStderrLevel()
     static const struct {
         const char* name;
         LogLevel level;
-    } names[] = {
-        {"debug", LEVEL_DEBUG}, {"info", LEVEL_INFO}, {"warn", LEVEL_WARN}, {"error", LEVEL_ERROR}, {"fatal", LEVEL_FATAL}};
+    } names[] = {{"debug", LEVEL_DEBUG},
+                 {"info", LEVEL_INFO},
+                 {"warn", LEVEL_WARN},
+                 {"error", LEVEL_ERROR},
+                 {"fatal", LEVEL_FATAL}};
     for (const auto& entry : names) {
         if (std::strcmp(value, entry.name) == 0) {
             return entry.level;

@@ -23,7 +23,8 @@ namespace Kavo {
 enum LogSource : int { LOG_SOURCE_SERVICE = 3 };
 enum LogLevel : int { LEVEL_DEBUG = 3, LEVEL_INFO = 4, LEVEL_WARN = 5, LEVEL_ERROR = 6, LEVEL_FATAL = 7 };
 
-KAVO_HOST_EXPORT int LogPrint(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
+KAVO_HOST_EXPORT int LogPrint(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
+                              ...);
 KAVO_HOST_EXPORT int LogPrintV(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
                                va_list args);
 

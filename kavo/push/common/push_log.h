@@ -19,7 +19,7 @@ inline const std::string PUSH_LOG_TAG = "push";
 }  // namespace Kavo::Push
 
 #define PUSH_LOG_PRINT(level, fmt, ...)                                                                                \
-    ((void)::Kavo::LogPrint(::Kavo::LOG_SOURCE_SERVICE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                                  \
+    ((void)::Kavo::LogPrint(::Kavo::LOG_SOURCE_SERVICE, (level), ::Kavo::Push::PUSH_LOG_DOMAIN,                        \
                             ::Kavo::Push::PUSH_LOG_TAG.c_str(), fmt, ##__VA_ARGS__))
 
 #define PUSH_LOGD(fmt, ...) PUSH_LOG_PRINT(::Kavo::LEVEL_DEBUG, fmt, ##__VA_ARGS__)

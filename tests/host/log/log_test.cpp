@@ -153,8 +153,8 @@ TEST(LogPrint, CaptureRecordsEveryFieldAndTheFilterDecidesOnlyStderr)
 TEST(LogCapture, NestedCapturesAndCapturesOnOtherThreadsSeeEveryLineOfTheirLifetime)
 {
     auto print = [](int thread, int line) {
-        Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_DEBUG, DOMAIN, "push", "thread %{public}d line %{public}d", thread,
-                       line);
+        Kavo::LogPrint(Kavo::LOG_SOURCE_SERVICE, Kavo::LEVEL_DEBUG, DOMAIN, "push", "thread %{public}d line %{public}d",
+                       thread, line);
     };
     LogCapture outer;
     print(0, 0);
