@@ -98,6 +98,9 @@ inline ToolRun RunTool(const std::vector<std::string>& args, const std::string& 
                        const std::string& stdoutPath = "")
 {
     std::vector<std::string> argv = {KAVO_TOOL_PATH};
+#ifdef KAVO_TEST_EMULATOR
+    argv.insert(argv.begin(), KAVO_TEST_EMULATOR);  // a cross-built tool needs its emulator
+#endif
     argv.insert(argv.end(), args.begin(), args.end());
     return RunProgram(argv, input, stdoutPath);
 }
