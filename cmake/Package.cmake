@@ -47,7 +47,6 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debia
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${KAVO_DEB_RUNTIME})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_MULTIARCH same)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Kavo push-notification service utilities - shared libraries
 The shared utility library of the Kavo platform's push-notification service
 (libkavo_push: results and public error codes, logging with identifier
