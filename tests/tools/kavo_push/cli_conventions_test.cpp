@@ -67,6 +67,9 @@ TEST(CliConventionsTest, BadUsageExitsTwoWithAHintAndNoOutput)
         {"mask with an unknown option", {"mask", "--bogus", "x"}, "unknown option --bogus"},
         {"errors with trailing letters", {"errors", "12x"}, "CODE must be a decimal number"},
         {"errors past the 32-bit range", {"errors", "4294967697"}, "CODE must be a decimal number"},
+        {"an unknown demo scenario", {"demo", "--scenario", "nope"}, "unknown scenario 'nope'"},
+        {"extension without a descriptor", {"extension"}, "expected --fd N"},
+        {"extension told an unknown behaviour", {"extension", "--fd", "0", "--behaviour", "sing"}, "expected --fd N"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.behaviour);
@@ -99,7 +102,10 @@ TEST(CliConventionsTest, FailedOperationsExitOneWithTheirDiagnostics)
          {"kavo-push base64: input is not valid Base64", "ERROR D005300/push: Base64Decode error: bio read fail"}},
         {"text shorter than one group", {"base64", "decode"}, "YWJ\n", {"Base64Decode error: bio read fail"}},
         {"an unfinished last group the codec would drop", {"base64", "decode"}, "YWJjZA", {"not valid Base64"}},
-        {"missing padding", {"base64", "decode"}, "Zm9vYg", {"not valid Base64"}},
+        {"padding before the end of a text longer than a read",
+         {"base64", "decode"},
+         std::string(65532, 'A') + "Zg==AAAA",
+         {"not valid Base64"}},
         {"stray bits in the last group", {"base64", "decode"}, "YR==", {"not valid Base64"}},
         {"a missing input file", {"sha256", missing}, "", {"kavo-push sha256: cannot open " + missing}},
         {"a directory as input file", {"base64", "encode", dir.Path()}, "", {"cannot read " + dir.Path()}},
@@ -109,6 +115,7 @@ TEST(CliConventionsTest, FailedOperationsExitOneWithTheirDiagnostics)
          {"certchain", "--challenge", "c", "--out-dir", missing},
          "",
          {"cannot write " + missing + "/device.pem"}},
+        {"extension given a file, not a socket", {"extension", "--fd", "0"}, "", {"0 is not a connected socket"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.behaviour);
