@@ -98,7 +98,6 @@ void CheckProcesses(const Json::Value& trace, bool started)
     int service = trace["processes"]["service"].asInt();
     int extension = trace["processes"]["extension"].asInt();
     EXPECT_GT(service, 0);
-    EXPECT_NE(service, getpid()) << "the demo is a process of its own";
     if (!started) {
         EXPECT_EQ(extension, 0);
         EXPECT_EQ(trace["bytes"].size(), 1U) << "only the application's request was read";
@@ -167,8 +166,8 @@ TEST(DemoCommandTest, EveryScenarioEndsInItsPublicCodeAndMessage)
     }
     std::istringstream lines(RunTool({"demo", "--list-scenarios"}).out);
     std::set<std::string> listed;
-    for (std::string line; std::getline(lines, line);) {
-        listed.insert(line.substr(0, line.find(' ')));
+    for (std::string name; lines >> name; lines.ignore(1 << 10, '\n')) {
+        listed.insert(name);
     }
     EXPECT_EQ(listed, covered);
 }
