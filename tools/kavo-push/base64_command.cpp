@@ -13,9 +13,9 @@ using Kavo::Push::PushBase64Convert;
 using Kavo::Push::SecureString;
 
 // Multiples of 3 bytes encode without padding, so the pieces' texts join into the whole text.
-constexpr size_t ENCODE_PIECE_BYTES = 3 * 16384;
+constexpr size_t ENCODE_PIECE_BYTES = size_t{3} * 16384;
 // Multiples of 4 characters decode on their own into the bytes of the whole text.
-constexpr size_t DECODE_PIECE_CHARS = 4 * 16384;
+constexpr size_t DECODE_PIECE_CHARS = size_t{4} * 16384;
 
 // Encodes whole pieces as the bytes arrive; what is left, the only part that may need padding,
 // goes at the end.
