@@ -307,8 +307,8 @@ bool Encode(const Json::Value& json, Kavo::Parcel& parcel, std::string& error)
     if (record.Marshalling(parcel)) {
         return true;
     }
-    // Written again without the parcel's limit, a record that is merely too large fits; one the
-    // library refuses (an empty image, parameters nested too deeply) fails again.
+    // Written again without the parcel's limit, a record that is merely too large fits; a value
+    // the library refuses to write fails again.
     Kavo::Parcel unbounded;
     if (unbounded.SetMaxCapacity(std::numeric_limits<size_t>::max()) && record.Marshalling(unbounded)) {
         error = "the record takes " + std::to_string(unbounded.GetDataSize()) + " bytes, more than the " +
