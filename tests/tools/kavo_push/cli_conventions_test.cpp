@@ -122,6 +122,7 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
          "{\n  \"enabled\" : true\n}\n"},
         {"JSON with a trailing comma", "encode PushPayload", R"({"type":"t",})", 1, "Column 13: Missing '}' or object"},
         {"nesting past the reader's limit", "encode WantParams", std::string(100000, '['), 1, "nested more than 1000"},
+        {"the same, as validate reads it", "validate --json --request -", std::string(100000, '['), 1, "nested more"},
         {"a mistyped field named by its path", "encode RemoteNotificationResult",
          R"({"content":{"overlayIcon":{"width":"2"}}})", 1,
          "encode: content.overlayIcon.width: expected a 32-bit integer"},
