@@ -117,7 +117,7 @@ bool ParseArguments(const std::vector<std::string>& args, const AcceptedOptions&
     return true;
 }
 
-bool ReadInput(const std::string& path, std::string& data, std::string& error)
+bool ReadInputPieces(const std::string& path, const InputConsumer& consume, std::string& error)
 {
     bool useStdin = path.empty() || path == "-";
     int fd = useStdin ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -125,23 +125,34 @@ bool ReadInput(const std::string& path, std::string& data, std::string& error)
         error = SystemError("open", path);
         return false;
     }
-    std::string result;
-    char buffer[65536];
+    std::vector<char> buffer(INPUT_PIECE_BYTES);
+    bool ok = true;
     ssize_t got = 0;
-    while ((got = read(fd, buffer, sizeof(buffer))) != 0) {
+    while (ok && (got = read(fd, buffer.data(), buffer.size())) != 0) {
         if (got < 0 && errno == EINTR) {
             continue;
         }
         if (got < 0) {
             error = SystemError("read", useStdin ? "standard input" : path);
-            break;
+            ok = false;
+        } else {
+            ok = consume(buffer.data(), static_cast<size_t>(got), error);
         }
-        result.append(buffer, static_cast<size_t>(got));
     }
     if (!useStdin) {
         close(fd);
     }
-    if (got != 0) {
+    return ok;
+}
+
+bool ReadInput(const std::string& path, std::string& data, std::string& error)
+{
+    std::string result;
+    auto append = [&result](const char* piece, size_t size, std::string&) {
+        result.append(piece, size);
+        return true;
+    };
+    if (!ReadInputPieces(path, append, error)) {
         return false;
     }
     data = std::move(result);

@@ -10,7 +10,9 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -41,6 +43,12 @@ struct Arguments {
 bool ParseArguments(const std::vector<std::string>& args, const AcceptedOptions& accepted, Arguments& out,
                     std::string& error);
 
+// Hands the bytes of the file at `path`, or of standard input when it is "-" or empty, to
+// `consume` in order, at most INPUT_PIECE_BYTES at a time, so a large file never sits in memory
+// whole. Stops at the first piece `consume` refuses (it sets `error`) or at a read error.
+constexpr size_t INPUT_PIECE_BYTES = 65536;
+using InputConsumer = std::function<bool(const char* data, size_t size, std::string& error)>;
+bool ReadInputPieces(const std::string& path, const InputConsumer& consume, std::string& error);
 // Reads all bytes of the file at `path`, or of standard input when it is "-" or empty.
 bool ReadInput(const std::string& path, std::string& data, std::string& error);
 // Creates or replaces the file with exactly `data`, its permission bits set to `mode`

@@ -66,9 +66,10 @@ KAVO_REGISTER_COMMAND("demo", "run the typical remote-notification request end t
                       "Prints each step with its outcome and the library's log lines (masked as on a\n"
                       "release device, whatever KAVO_LOG_PRIVATE says), the two processes' pids, the\n"
                       "bytes that crossed (hex, long ones abbreviated), the system events, and ends\n"
-                      "with the public code, its message and the result as JSON. --json prints the\n"
-                      "whole trace as one JSON document, with every byte. --scenario NAME runs a\n"
-                      "failure scenario instead; --list-scenarios names them.\n\n"
+                      "with the public code, its message and the result as JSON, its long strings\n"
+                      "abbreviated too. --json prints the whole trace as one JSON document, with\n"
+                      "every byte. --scenario NAME runs a failure scenario instead; --list-scenarios\n"
+                      "names them.\n\n"
                       "Exit status: 0 when the demo ran, whatever code the request ends with (a\n"
                       "scenario's public error code is its documented outcome); 2 on bad usage.\n",
                       RunDemo);

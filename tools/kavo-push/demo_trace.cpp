@@ -1,6 +1,7 @@
 #include "demo_trace.h"
 
 #include <sstream>
+#include <variant>
 
 #include "cli_io.h"
 #include "kavo/push/common/push_error_message.h"
@@ -14,14 +15,43 @@ namespace {
 constexpr size_t SHOWN_BYTES = 48;
 constexpr size_t TAIL_BYTES = 8;
 
+// A text of up to SHOWN_BYTES bytes in hex, whole; a longer one by its head and tail, so that
+// every line of the text form fits on a screen.
+std::string ShortText(const std::string& text)
+{
+    if (text.size() <= 2 * SHOWN_BYTES) {
+        return text;
+    }
+    return text.substr(0, 2 * (SHOWN_BYTES - TAIL_BYTES)) + " ... " + text.substr(text.size() - 2 * TAIL_BYTES);
+}
+
 std::string HexText(const std::string& bytes)
 {
-    if (bytes.size() <= SHOWN_BYTES) {
-        return std::string(ToHex(bytes));
+    return ShortText(std::string(ToHex(bytes)));
+}
+
+// The result with its long strings (the pixels of an icon, in hex) shortened.
+Json::Value WithShortTexts(const Json::Value& json)
+{
+    if (json.isString()) {
+        return ShortText(json.asString());
     }
-    size_t head = SHOWN_BYTES - TAIL_BYTES;
-    return std::string(ToHex(bytes.substr(0, head))) + " ... " +
-           std::string(ToHex(bytes.substr(bytes.size() - TAIL_BYTES)));
+    Json::Value shortened = json;
+    for (auto member = shortened.begin(); member != shortened.end(); ++member) {
+        *member = WithShortTexts(*member);
+    }
+    return shortened;
+}
+
+// "  DOMAIN NAME, type T" and one line per parameter, so that no event runs past a screen's width.
+void PrintEvent(std::ostream& out, const Kavo::SysEventRecord& event)
+{
+    out << "  " << event.domain << " " << event.name << ", type " << static_cast<int>(event.type) << "\n";
+    for (const auto& param : event.params) {
+        out << "     " << param.key << ": ";
+        std::visit([&out](const auto& value) { out << value; }, param.value);
+        out << "\n";
+    }
 }
 
 Json::Value EventJson(const Kavo::SysEventRecord& event)
@@ -102,10 +132,10 @@ std::string DemoTrace::Text() const
     }
     out << "\nsystem events:\n";
     for (const auto& event : events_) {
-        out << "  " << Kavo::SysEventToJson(event) << "\n";
+        PrintEvent(out, event);
     }
     out << "\ncode: " << code_ << "\nmessage: " << (message_.empty() ? "(success)" : message_)
-        << "\nresult: " << (result_.isNull() ? "none\n" : "\n" + JsonText(result_));
+        << "\nresult: " << (result_.isNull() ? "none\n" : "\n" + JsonText(WithShortTexts(result_)));
     return out.str();
 }
 

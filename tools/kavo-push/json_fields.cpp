@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <variant>
 #include <vector>
 
@@ -31,6 +32,22 @@ bool Expected(const std::string& path, const char* what, std::string& error)
 {
     error = path + ": expected " + what;
     return false;
+}
+
+// The byte count of an image, or 0 when a size is not positive or the count is over the
+// largest 32-bit value: the images PixelMap makes.
+int64_t ImageByteCount(int32_t width, int32_t height, PixelFormat format)
+{
+    if (width <= 0 || height <= 0) {
+        return 0;
+    }
+    // The row is checked first, as PixelMap does, so the product below stays within 62 bits.
+    const int64_t rowBytes = int64_t{width} * Kavo::Media::BytesPerPixel(format);
+    if (rowBytes > std::numeric_limits<int32_t>::max()) {
+        return 0;
+    }
+    const int64_t count = rowBytes * height;
+    return count <= std::numeric_limits<int32_t>::max() ? count : 0;
 }
 
 // An integer written as one: 3.0 is a real number, not an integer.
@@ -215,19 +232,23 @@ bool Get(const Json::Value& json, const std::string& path, PixelMap& value, std:
     if (known == std::end(PIXEL_FORMATS)) {
         return in.Fail("format", "expected RGB_565, RGBA_8888 or ALPHA_8");
     }
-    PixelMap map(width, height, known->format);
-    if (map.GetByteCount() == 0) {
+    const int64_t byteCount = ImageByteCount(width, height, known->format);
+    if (byteCount == 0) {
         return in.Fail("width", "width and height must be positive and their image under 2 GiB");
     }
+    // The pixels are read and counted before the image is made, so a short document cannot make
+    // the tool set a large image aside.
     std::string bytes;
     std::string hexError;
     if (!ParseHex(pixels, bytes, hexError)) {
         return in.Fail("pixels", hexError);
     }
-    if (!map.SetPixels(std::vector<uint8_t>(bytes.begin(), bytes.end()))) {
-        return in.Fail("pixels", "expected " + std::to_string(map.GetByteCount()) + " bytes, got " +
-                                     std::to_string(bytes.size()));
+    if (static_cast<int64_t>(bytes.size()) != byteCount) {
+        return in.Fail("pixels",
+                       "expected " + std::to_string(byteCount) + " bytes, got " + std::to_string(bytes.size()));
     }
+    PixelMap map(width, height, known->format);
+    map.SetPixels(std::vector<uint8_t>(bytes.begin(), bytes.end()));
     value = map;
     return true;
 }

@@ -1,6 +1,7 @@
 #include "record_json.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <sstream>
 
@@ -28,6 +29,9 @@ namespace {
 using namespace Kavo::Push;
 using Kavo::AAFwk::WantParams;
 using Kavo::Media::PixelMap;
+
+// The reader's own default, named so the message can say it.
+constexpr int JSON_NESTING_LIMIT = 1000;
 
 // One mapping per record: the JSON keys, their order and which of them are optional. Writing
 // copies the getters' values out and assigns them back unchanged; reading fills the locals and
@@ -300,11 +304,19 @@ bool Encode(const Json::Value& json, Kavo::Parcel& parcel, std::string& error)
     if (!Get(json, "", record, error)) {
         return false;
     }
-    if (!record.Marshalling(parcel)) {
-        error = "the record does not fit in a parcel";
-        return false;
+    if (record.Marshalling(parcel)) {
+        return true;
     }
-    return true;
+    // Written again without the parcel's limit, a record that is merely too large fits; a value
+    // the library refuses to write fails again.
+    Kavo::Parcel unbounded;
+    if (unbounded.SetMaxCapacity(std::numeric_limits<size_t>::max()) && record.Marshalling(unbounded)) {
+        error = "the record takes " + std::to_string(unbounded.GetDataSize()) + " bytes, more than the " +
+                std::to_string(parcel.GetMaxCapacity()) + " a parcel holds";
+    } else {
+        error = "the library refuses to write the record";
+    }
+    return false;
 }
 
 template <class R>
@@ -351,9 +363,18 @@ bool ParseJson(const std::string& text, Json::Value& json, std::string& error)
 {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
+    builder.settings_["stackLimit"] = JSON_NESTING_LIMIT;
     std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     std::string errors;
-    if (!reader->parse(text.data(), text.data() + text.size(), &json, &errors)) {
+    bool parsed = false;
+    try {
+        parsed = reader->parse(text.data(), text.data() + text.size(), &json, &errors);
+    } catch (const Json::Exception&) {
+        // The reader throws only when the nesting passes its stack limit.
+        error = "invalid JSON: nested more than " + std::to_string(JSON_NESTING_LIMIT) + " levels deep";
+        return false;
+    }
+    if (!parsed) {
         // The reader's first message: "* Line 1, Column 14\n  Missing '}' or object member name\n".
         std::istringstream lines(errors);
         std::string where;

@@ -100,30 +100,22 @@ std::vector<std::string> SplitPems(const std::string& out)
     return pems;
 }
 
+// A challenge with spaces and UTF-8 on standard output, an empty one into the three files: each
+// reaches the leaf certificate as it is.
 TEST(KeyCommandsTest, CertchainOutputVerifiesWithOpenssl)
 {
-    struct Case {
-        const char* behaviour;
-        std::string challenge;
-        bool toFiles;
-    };
-    const Case cases[] = {
-        {"a plain challenge on standard output", "c0ffee-challenge", false},
-        {"an empty challenge", "", false},
-        {"spaces and UTF-8 pass through as they are", "nonce with spaces \xc3\xa9", false},
-        {"the three files", "file challenge", true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.behaviour);
+    for (const std::string challenge : {"nonce with spaces \xc3\xa9", ""}) {
+        const bool toFiles = challenge.empty();
+        SCOPED_TRACE(toFiles ? "files" : "standard output");
         TempDir dir;
-        std::vector<std::string> args = {"certchain", "--challenge", c.challenge};
-        if (c.toFiles) {
+        std::vector<std::string> args = {"certchain", "--challenge", challenge};
+        if (toFiles) {
             args.insert(args.end(), {"--out-dir", dir.Path()});
         }
         ToolRun run = RunTool(args);
         ASSERT_EQ(run.status, 0) << run.err;
         const char* names[] = {"device.pem", "intermediate.pem", "root.pem"};
-        if (c.toFiles) {
+        if (toFiles) {
             EXPECT_EQ(run.out, dir.File(names[0]) + "\n" + dir.File(names[1]) + "\n" + dir.File(names[2]) + "\n");
         } else {
             std::vector<std::string> pems = SplitPems(run.out);
@@ -138,7 +130,7 @@ TEST(KeyCommandsTest, CertchainOutputVerifiesWithOpenssl)
         EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
         auto leaf = KavoTest::ParsePem(dir.Read("device.pem"));
         ASSERT_NE(leaf, nullptr);
-        EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), c.challenge);
+        EXPECT_EQ(KavoTest::ChallengeOf(leaf.get()), challenge);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -61,6 +62,7 @@ struct ToolRun {
     int status = -1;  // the exit status; -1 when the process did not start or did not exit
     std::string out;
     std::string err;
+    long peakKib = 0;  // the most memory the process held at once (resident, KiB)
 };
 
 // argv[0] is looked up on PATH when it has no '/'. Standard output goes to `stdoutPath` when
@@ -84,9 +86,11 @@ inline ToolRun RunProgram(const std::vector<std::string>& argv, const std::strin
     ToolRun run;
     pid_t pid = 0;
     int wait = 0;
-    if (posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ) == 0 && waitpid(pid, &wait, 0) == pid &&
-        WIFEXITED(wait)) {
+    struct rusage usage = {};
+    if (posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ) == 0 &&
+        wait4(pid, &wait, 0, &usage) == pid && WIFEXITED(wait)) {
         run.status = WEXITSTATUS(wait);
+        run.peakKib = usage.ru_maxrss;
     }
     posix_spawn_file_actions_destroy(&actions);
     run.out = stdoutPath.empty() ? scratch.Read("out") : "";
