@@ -293,20 +293,16 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 {
     struct Case {
         std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground;
-        int32_t foregroundCode, queryCode;
+        int32_t foregroundCode, queryCode;  // queryCode -1: no query expected
         int err;
         std::string desc, log;
-    };  // queryCode -1: no query expected
+    };
+    const std::string noBrowser =
+        "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)";
     const Case cases[] = {
         {{}, 0, -1, 401, "Ids is empty, unable to get userId", "Ids is empty, unable to get userId"},
         {{}, 3, -1, 1000900001, "get foreground accountId failed 3", "GetForegroundOsAccounts check fail"},
-        {{{101, 0}, {100, 0}},
-         0,
-         8521221,
-         1000900001,
-         "Query ability infos failed:8521221",
-         "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)"},
-    };
+        {{{101, 0}, {100, 0}}, 0, 8521221, 1000900001, "Query ability infos failed:8521221", noBrowser}};
     auto isBrowserWant = [](const Want& w) {
         return w.GetAction() == "kavo.want.action.viewData" && w.HasEntity("entity.system.browsable") &&
                w.GetUriString() == "https://" && w.GetBundle().empty();
