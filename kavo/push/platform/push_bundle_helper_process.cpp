@@ -117,9 +117,9 @@ PushBaseRsp PushBundleHelper::IsRemoteForegrounding(const ClientUserInfo& info, 
             }
             break;
         }
-        if (!isExtension && process.processType == ProcessType::NORMAL) {
-            pid = process.pid;
-        } else if (isExtension && IsExtensionOf(process, ExtensionAbilityType::REMOTE_NOTIFICATION)) {
+        bool candidate = isExtension ? IsExtensionOf(process, ExtensionAbilityType::REMOTE_NOTIFICATION)
+                                     : process.processType == ProcessType::NORMAL;
+        if (candidate) {
             pid = process.pid;
         }
     }

@@ -13,7 +13,6 @@
 
 namespace Kavo::Push {
 
-using MiscServices::ITimerInfo;
 using MiscServices::TimeServiceClient;
 
 namespace {
@@ -143,8 +142,8 @@ PushBaseRsp PushTimerHelper::RestartTimer(const std::shared_ptr<PushTimerInfo>& 
 {
     TimerOpTexts texts;
     texts.nullInfoLog = "RestartTimer: currTimerInfo is nullptr";
-    texts.nullInfoDesc =
-        "Current Timer of PushTimerHelper::StopTimer is Null";  // names StopTimer: kept letter for letter
+    // Names StopTimer: kept letter for letter.
+    texts.nullInfoDesc = "Current Timer of PushTimerHelper::StopTimer is Null";
     texts.noClientLog = "RestartTimer: Get System Timer is Null";
     texts.refusedLog = "RestartTimer: ReStart Timer Failed";
     texts.refusedApiName = "StartTimer";
