@@ -80,88 +80,77 @@ protected:
     AbilityInfo ability_;
 };
 
-// Every query answered from the device's state: it succeeds, then shows what it handed back. The
-// process queries' choices are pinned against scripted managers; here the package and account
-// answers are read from a device that matches wants and owns uids for real.
+// "error <code> <description>: " when the query failed, then what it handed back, read after it
+// ran (the left operand of << is evaluated first).
+std::string operator<<(const PushBaseRsp& rsp, const std::string& answer)
+{
+    return (rsp.Succeed() ? "" : "error " + std::to_string(rsp.GetErr()) + " " + rsp.GetErrDescription() + ": ") +
+           answer;
+}
+
+// Every query answered from the device's state. The process queries' choices are pinned against
+// scripted managers; here the package and account answers are read from a device that matches
+// wants and owns uids for real.
 TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
 {
     using H = PushBundleHelper;
     using A = PushAccountHelper;
     auto str = [](auto v) { return std::to_string(v); };
-    auto distributedIds = [this](std::vector<const char*> uids) {  // the id each logged-in uid gives, or the refusal
-        std::string shown;
-        for (const char* uid : uids) {
-            device_.SetDistributedAccount(uid);
-            text_ = "kept";
-            PushBaseRsp rsp = PushDistributeAccountHelper::GetOsDistributedId(text_);
-            shown += (rsp.Succeed() ? text_ : rsp.GetErrDescription() + " " + text_) + "|";
-        }
-        return shown;
-    };
-    struct Case {
-        std::function<PushBaseRsp()> query;  // null: the answer is not a result
-        std::function<std::string()> shown;
-        std::string expected;
-    };
     ClientUserInfo caller;
     device_.SetCallingUid(device_.UidOf(MAIL, USER, 1));
-    const Case cases[] = {
-        {[&] { return H::GetIpcClientUserInfo(caller); },
-         [&] {
-             return caller.bundleName + " " + str(caller.userId) + " " + str(caller.appIndex) + " " + str(caller.uid);
+    const std::pair<std::function<std::string()>, std::string> cases[] = {
+        {[&] {
+             return (H::GetIpcClientUserInfo(caller) << caller.bundleName + " " + str(caller.userId) + " " +
+                                                            str(caller.appIndex) + " " + str(caller.uid));
          },
          MAIL + " 100 1 20010043"},
-        {[&] { return H::IsBrowserAvailable(); }, [] { return ""; }, ""},
-        {nullptr, [&] { return str(H::IsSystemApp(BROWSER, USER)); }, "1"},
-        {[&] { return H::GetMainAbility(MAIL, USER, ability_); }, [&] { return ability_.name; }, "MainAbility"},
-        {[&] { return H::GetAbilityByAction(BROWSER, "kavo.want.action.viewData", USER, ability_); },
-         [&] { return ability_.name; }, "Viewer"},
-        {[&] { return H::GetAbilityByUri(BROWSER, "http://a", USER, ability_); }, [&] { return ability_.name; },
+        {[&] { return H::IsBrowserAvailable() << str(H::IsSystemApp(BROWSER, USER)); }, "1"},
+        {[&] { return H::GetMainAbility(MAIL, USER, ability_) << ability_.name; }, "MainAbility"},
+        {[&] { return H::GetAbilityByAction(BROWSER, "kavo.want.action.viewData", USER, ability_) << ability_.name; },
          "Viewer"},
-        {[&] { return H::GetAbilityByName(MAIL, "MainAbility", USER, ability_); }, [&] { return ability_.name; },
-         "MainAbility"},
-        {[&] { return H::GetNameForUid(20010043, text_); }, [&] { return text_; }, MAIL},
-        {[&] { return H::GetAppIndex(20010043, number_); }, [&] { return str(number_); }, "1"},
-        {nullptr,
-         [&] {
+        {[&] { return H::GetAbilityByUri(BROWSER, "http://a", USER, ability_) << ability_.name; }, "Viewer"},
+        {[&] { return H::GetAbilityByName(MAIL, "MainAbility", USER, ability_) << ability_.name; }, "MainAbility"},
+        {[&] { return H::GetNameForUid(20010043, text_) << text_; }, MAIL},
+        {[&] { return H::GetAppIndex(20010043, number_) << str(number_); }, "1"},
+        {[&] {
              BundleInfo info = H::GetBundleInfo(MAIL, USER, 1, number_);
-             return str(number_) + " " + str(info.uid) + " " + str(info.extensionInfos.size());
+             return str(number_) + " " + str(info.uid) + " " + str(info.extensionInfos.size()) + " " +
+                    str(H::GetInstalledStatus(MAIL, USER, 1).second);
          },
-         "0 20010043 1"},
-        {nullptr, [&] { return str(H::GetInstalledStatus(MAIL, USER, 1).second); }, "1"},
-        {[&] { return H::GetInstalledStatusV9(MAIL, USER, number_).first; }, [&] { return str(number_); }, "20010042"},
-        {nullptr,
-         [&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
+         "0 20010043 1 1"},
+        {[&] { return H::GetInstalledStatusV9(MAIL, USER, number_).first << str(number_); }, "20010042"},
+        {[&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
              auto [v9, v9Status] = H::GetInstalledStatusV9("com.example.none", USER, number_);
              auto [flag, flagStatus] = H::GetInstalledStatus("com.example.none", USER, 0);
-             return str(v9Status) + " " + str(v9.GetErr()) + " " + v9.GetErrDescription() + ", " + str(flagStatus) +
-                    " " + str(flag.GetErr()) + " " + flag.GetErrDescription();
+             return (v9 << str(v9Status)) + ", " + (flag << str(flagStatus));
          },
-         "0 -1 bundle is not installed, 0 -1 "},
-        {[&] { return H::GetAppUidForName(BROWSER, USER, number_); }, [&] { return str(number_); }, "20010050"},
-        {[&] { return H::GetAppAnitizerFlag(MAIL, USER, flags_); }, [&] { return str(flags_); }, "4"},
-        {[&] { return A::QueryActiveOsAccountIds(ids_); }, [&] { return str(ids_.size()); }, "2"},
-        {[&] { return A::IsOsAccountVerified(verified_); }, [&] { return str(verified_); }, "1"},
-        {[&] { return H::GetCurrAccountId(number_); }, [&] { return str(number_); }, "100"},
-        {[&] { return H::GetCurrBundle(text_); }, [&] { return text_; }, "com.kavo.push"},
+         "error -1 bundle is not installed: 0, error -1 : 0"},
+        {[&] { return H::GetAppUidForName(BROWSER, USER, number_) << str(number_); }, "20010050"},
+        {[&] { return H::GetAppAnitizerFlag(MAIL, USER, flags_) << str(flags_); }, "4"},
+        {[&] { return A::QueryActiveOsAccountIds(ids_) << str(ids_.size()); }, "2"},
+        {[&] { return A::IsOsAccountVerified(verified_) << str(verified_); }, "1"},
+        {[&] { return H::GetCurrAccountId(number_) << str(number_); }, "100"},
+        {[&] { return H::GetCurrBundle(text_) << text_; }, "com.kavo.push"},
         {[&] {
              ids_ = {7};  // appended after what the caller held
-             return A::GetForegroundOsAccounts(ids_);
+             return A::GetForegroundOsAccounts(ids_) << str(ids_.size()) + " " + str(ids_.back());
          },
-         [&] { return str(ids_.size()) + " " + str(ids_.back()); }, "2 100"},
-        {[&] { return A::GetForegroundOsAccountLocalId(number_); }, [&] { return str(number_); }, "100"},
-        {[&] { return A::GetOsAccountLocalIdFromUid(20210042, number_); }, [&] { return str(number_); }, "101"},
-        // Only the exact anonymous uid means nobody is logged in.
-        {nullptr,
-         [&] {
-             return distributedIds({"kavoAnonymousUid", "5500123", "KavoAnonymousUid", "kavoAnonymousUid "});
+         "2 100"},
+        {[&] { return A::GetForegroundOsAccountLocalId(number_) << str(number_); }, "100"},
+        {[&] { return A::GetOsAccountLocalIdFromUid(20210042, number_) << str(number_); }, "101"},
+        {[&] {  // only the exact anonymous uid means nobody is logged in
+             std::string shown;
+             for (const char* uid : {"kavoAnonymousUid", "5500123", "KavoAnonymousUid", "kavoAnonymousUid "}) {
+                 device_.SetDistributedAccount(uid);
+                 text_ = "kept";
+                 shown += (PushDistributeAccountHelper::GetOsDistributedId(text_) << text_) + "|";
+             }
+             return shown;
          },
-         "Os account id not login kept|5500123|KavoAnonymousUid|kavoAnonymousUid |"},
+         "error 1000900001 Os account id not login: kept|5500123|KavoAnonymousUid|kavoAnonymousUid |"},
     };
-    for (const auto& row : cases) {
-        PushBaseRsp rsp = row.query ? row.query() : PushBaseRsp();
-        EXPECT_TRUE(rsp.Succeed()) << rsp.GetInfo();
-        EXPECT_EQ(row.shown(), row.expected);
+    for (const auto& [shown, expected] : cases) {
+        EXPECT_EQ(shown(), expected);
     }
     EXPECT_EQ(events_.Take(), Events{});
 }
