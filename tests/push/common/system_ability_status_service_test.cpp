@@ -25,54 +25,36 @@ TEST(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
     const PushBaseRsp bad(6, PUSH_ERR_INVALID_PARAM, "bad");
     const PushBaseRsp inner(PUSH_ERR_SYSTEM_INTERNAL, 100000016, std::string("q"));
     const PushBaseRsp wait(PUSH_ERR_SYSTEM_INTERNAL, INNER_ERR_SA_WAIT_AND_RETRY, std::string("busy"));
-    const std::string call = "I call", begin401 = "D Begin do task for ability:401";
-    const std::string begin1301 = "D Begin do task for ability:1301";
     using Registry = std::vector<std::pair<int, Sas::Status>>;
+    using Attempts = std::vector<PushBaseRsp>;
     struct Case {
         const char* name;
         Registry registry;
         int abilityId;
-        std::vector<PushBaseRsp> attempts;  // what each call of the task returns
-        const char* info;                   // of the result
-        std::vector<std::string> lines;     // "<level letter> <text>"; the task logs "call" each time it runs
+        Attempts attempts;  // what each call of the task returns
+        const char* info;   // of the result
+        const char* lines;  // "<level letter> <text>|..."; the task logs "I call" each time it runs
     };
     const Case cases[] = {
-        {"first success returns at once",
-         {{ANCHOR, Sas::STARTED}},
-         401,
-         {ok},
-         "",
-         {begin401, call, "D End do task for ability:401 firstTime succeed"}},
-        {"no anchor: the failure at once",
-         {{401, Sas::STOPPED}},
-         401,
-         {inner, ok},
+        {"first success returns at once", Registry{{ANCHOR, Sas::STARTED}}, 401, Attempts{ok}, "",
+         "D Begin do task for ability:401|I call|D End do task for ability:401 firstTime succeed|"},
+        {"no anchor: the failure at once", Registry{{401, Sas::STOPPED}}, 401, Attempts{inner, ok},
          "q: error(1000900001), innerCode(100000016)",
-         {begin401, call, "D End do task for ability:401 failed"}},
-        {"started before the failure marks it the call's own",
-         {{ANCHOR, Sas::STOPPED}, {401, Sas::STARTED}},
-         401,
-         {bad, ok},
-         "bad: error(401), innerCode(100000143)",
-         {begin401, call, "E Task for ability:401 is started"}},
+         "D Begin do task for ability:401|I call|D End do task for ability:401 failed|"},
+        {"started before the failure marks it the call's own", Registry{{ANCHOR, Sas::STOPPED}, {401, Sas::STARTED}},
+         401, Attempts{bad, ok}, "bad: error(401), innerCode(100000143)",
+         "D Begin do task for ability:401|I call|E Task for ability:401 is started|"},
         {"1301 with its retry code waits although started; a failed retry is marked",
-         {{ANCHOR, Sas::STARTED}, {1301, Sas::STARTED}},
-         1301,
-         {wait, wait},
+         Registry{{ANCHOR, Sas::STARTED}, {1301, Sas::STARTED}}, 1301, Attempts{wait, wait},
          "busy: error(1000900001), innerCode(100000143)",
-         {begin1301, call, "W Begin do task for ability:1301 again", call, "E Sa interface invoke fail"}},
-        {"1301, another code: no wait",
-         {},
-         1301,
-         {inner, ok},
+         "D Begin do task for ability:1301|I call|W Begin do task for ability:1301 again|I call|"
+         "E Sa interface invoke fail|"},
+        {"1301, another code: no wait", Registry{}, 1301, Attempts{inner, ok},
          "q: error(1000900001), innerCode(100000016)",
-         {begin1301, call, "D End do task for ability:1301 failed"}},
-        {"the retry code, another ability: no wait",
-         {},
-         401,
-         {wait, ok},
+         "D Begin do task for ability:1301|I call|D End do task for ability:1301 failed|"},
+        {"the retry code, another ability: no wait", Registry{}, 401, Attempts{wait, ok},
          "busy: error(1000900001), innerCode(100000155)",
-         {begin401, call, "D End do task for ability:401 failed"}},
+         "D Begin do task for ability:401|I call|D End do task for ability:401 failed|"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -86,9 +68,9 @@ TEST(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
             PUSH_LOGI("call");
             return c.attempts[calls++];
         });
-        std::vector<std::string> lines;
+        std::string lines;
         for (const auto& line : capture.Lines()) {
-            lines.push_back("???DIWEF"[line.level] + (" " + line.text));
+            lines += "???DIWEF"[line.level] + (" " + line.text + "|");
         }
         EXPECT_EQ(rsp.GetInfo(), c.info);
         EXPECT_EQ(rsp.GetSubStatusCode(), c.attempts[calls - 1].GetSubStatusCode());
