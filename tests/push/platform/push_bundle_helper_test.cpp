@@ -35,6 +35,8 @@ RunningProcessInfo Process(int pid, int uid, AppProcessState state, ProcessType 
     return p;
 }
 
+using Processes = std::vector<RunningProcessInfo>;
+
 RunningProcessInfo Extension(int pid, int uid, AppProcessState state, T ext)
 {
     return Process(pid, uid, state, ProcessType::EXTENSION, ext);
@@ -90,72 +92,60 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         std::string noManagerLog;  // the query's own line when its manager cannot be had
         Kavo::LogLevel level = Kavo::LEVEL_ERROR;
     };
+// The manager expectation answering `code` once, and the query as a callable.
+#define BMS_ANSWERS(call, code) [&] { EXPECT_CALL(**bms_, call).WillOnce(Return(code)); }
+#define ASK(call) [&] { return PushBundleHelper::call; }
     auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
-        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
-         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
-         "query extension fail:7", "", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
-         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); }, 1000900001,
+        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, 0, USER, _), 7),
+         ASK(QueryExtensionAbilityInfos(want_, USER, extensions_)), 1000900002, "query extension fail:7", "", &BMS,
+         "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _), -5),
+         ASK(QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_)), 1000900001,
          "Query extension ability info failed:-5", "", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
-         [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
-         "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
-         [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
-         "query ability info failed", "", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
-        {[&] {
-             EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
-         },
-         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); }, 1000900001,
-         "Get application info fail", "", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
-         [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001, "Get name for uid fail: 8521225",
+        {BMS_ANSWERS(QueryAbilityInfosV9(_, 0, USER, _), 9), ASK(QueryAbilityInfos(want_, USER, abilities_)),
+         1000900001, "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(QueryAbilityInfo(_, 4, USER, _), false), ASK(QueryAbilityInfo(want_, 4, USER, ability_)),
+         1000900001, "query ability info failed", "", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
+        {BMS_ANSWERS(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _), false),
+         ASK(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_)), 1000900001, "Get application info fail",
          "", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
-         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, uid_, 0); }, 0, "", "", &BMS,
-         "Get Bundle Mgr Fail"},  // an unknown bundle's uid -1 is handed back as a success
-        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
-         [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
-         "GetBundleInfoV9 failed ret:8521220", &BMS, "GetBundleInfoV9 get bundle mgr fail", Kavo::LEVEL_WARN},
-        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
-         [&] { return PushBundleHelper::GetAppIndex(20010001, uid_); }, -1, "get appIndex failed:12",
-         "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
-        {[&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
-         [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1, "Get install status failed, 5",
-         "", &BMS, "get bundle mgr fail"},
-        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
-         [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid_).first; }, -1,
+        {BMS_ANSWERS(GetNameForUid(20010001, _), 8521225), ASK(GetNameForUid(20010001, name_)), 1000900001,
+         "Get name for uid fail: 8521225", "", &BMS, "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(GetUidByBundleName(MAIL, USER, 0), -1), ASK(GetUidByBundleName(MAIL, USER, uid_, 0)), 0, "", "",
+         &BMS, "Get Bundle Mgr Fail"},  // an unknown bundle's uid -1 is handed back as a success
+        {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 8521220), ASK(GetBundleInfoV9(MAIL, USER, bundle_)), -1,
+         "Get RimoBundleInfo, 8521220", "GetBundleInfoV9 failed ret:8521220", &BMS,
+         "GetBundleInfoV9 get bundle mgr fail", Kavo::LEVEL_WARN},
+        {BMS_ANSWERS(GetNameAndIndexForUid(20010001, _, _), 12), ASK(GetAppIndex(20010001, uid_)), -1,
+         "get appIndex failed:12", "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(IsBundleInstalled(MAIL, USER, 2, _), 5), ASK(GetInstalledStatus(MAIL, USER, 2).first), -1,
+         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 5), ASK(GetInstalledStatusV9(MAIL, USER, uid_).first), -1,
          "Get install status failed, 5", "GetInstalledStatusV9 failed ret:5", &BMS, "get bundle mgr fail"},
-        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
-         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, -1,
+        {BMS_ANSWERS(GetNameAndIndexForUid(UID, _, _), 8521225), ASK(GetIpcClientUserInfo(caller_)), -1,
          "get uid, bundle name, appIndex fail:8521225", "Get uid 20010042, appIndex, bundle name failed, ret:8521225",
          &BMS, "Get BundleMgr failed, ret: 1000900001", Kavo::LEVEL_WARN},
         {[&] {
              EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
              EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
          },
-         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, 1000900001,
-         "Get accountId local id from uid failed 4194323", "Get uid 20010042 userId failed, ret 1000900001", &BMS,
-         "Get BundleMgr failed, ret: 1000900001"},
-        {processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
+         ASK(GetIpcClientUserInfo(caller_)), 1000900001, "Get accountId local id from uid failed 4194323",
+         "Get uid 20010042 userId failed, ret 1000900001", &BMS, "Get BundleMgr failed, ret: 1000900001"},
+        {processes6, ASK(IsAppRunning(MAIL, USER, flag_, 0)), 1000900001,
          "check if app running, get running process info fail: 6", "Get running process info fail: :6", &AMS,
          "Get app mgr fail :" + AMS.info},
-        {processes6,
-         [&] {
-             return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false);
-         },
-         1000900001, "check if app foreground, get running process info fail: 6", "", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); }, 1000900001,
+        {processes6, ASK(IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false)), 1000900001,
+         "check if app foreground, get running process info fail: 6", "", &AMS, "Get App Mgr"},
+        {processes6, ASK(GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_)), 1000900001,
          "check if child pid, get running process info fail: 6", "", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); }, 1000900001,
+        {processes6, ASK(GetParentProcessPid(MAIL, USER, UID, pid_)), 1000900001,
          "check if parent pid, get running process info fail: 6", "", &AMS, "Get App Mgr"},
-        {processes6,
-         [&] {
-             return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_);
-         },
-         1000900001, "get app process state, get running process info fail: 6", "", &AMS, "Get App Mgr Fail"},
+        {processes6, ASK(GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_)), 1000900001,
+         "get app process state, get running process info fail: 6", "", &AMS, "Get App Mgr Fail"},
     };
+#undef BMS_ANSWERS
+#undef ASK
     for (const auto& c : cases) {
         SCOPED_TRACE(c.desc + " (" + c.noManagerLog + ")");
         bms_.emplace(BUNDLE_ID);
@@ -378,48 +368,38 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
 {
     struct Case {
         const char* name;
-        std::vector<RunningProcessInfo> list;
+        Processes list;
         Query query;
         std::string expected;
     };
-    const std::vector<RunningProcessInfo> bgFg = {Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)};
+    const Processes bgFg = {Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)};
     const auto remote = T::REMOTE_NOTIFICATION;
     const Case cases[] = {
         {"foreground process after a background one", bgFg, FOREGROUND_MAIN, "fg 11"},
         {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
-        {"focused counts as foreground", {Process(12, UID, FOCUS)}, FOREGROUND_MAIN, "fg 12"},
-        {"other uids are skipped", {Process(13, OTHER, FOREGROUND)}, FOREGROUND_MAIN, "bg -7"},
-        {"the last background main process wins",
-         {Process(14, UID, BACKGROUND), Process(15, UID, READY)},
-         FOREGROUND_MAIN,
-         "bg 15"},
+        {"focused counts as foreground", Processes{Process(12, UID, FOCUS)}, FOREGROUND_MAIN, "fg 12"},
+        {"other uids are skipped", Processes{Process(13, OTHER, FOREGROUND)}, FOREGROUND_MAIN, "bg -7"},
+        {"the last background main process wins", Processes{Process(14, UID, BACKGROUND), Process(15, UID, READY)},
+         FOREGROUND_MAIN, "bg 15"},
         {"extension: only the remote-notification one sets the pid",
-         {Extension(16, UID, BACKGROUND, T::PUSH), Extension(17, UID, BACKGROUND, remote),
-          Process(18, UID, BACKGROUND)},
-         FOREGROUND_EXTENSION,
-         "bg 17"},
+         Processes{Extension(16, UID, BACKGROUND, T::PUSH), Extension(17, UID, BACKGROUND, remote),
+                   Process(18, UID, BACKGROUND)},
+         FOREGROUND_EXTENSION, "bg 17"},
         {"extension found before a foreground process keeps its pid",
-         {Extension(19, UID, BACKGROUND, remote), Process(20, UID, FOREGROUND)},
-         FOREGROUND_EXTENSION,
+         Processes{Extension(19, UID, BACKGROUND, remote), Process(20, UID, FOREGROUND)}, FOREGROUND_EXTENSION,
          "fg 19"},
         {"the walk stops at the foreground process",
-         {Process(21, UID, FOREGROUND), Process(22, UID, BACKGROUND)},
-         FOREGROUND_MAIN,
-         "fg 21"},
+         Processes{Process(21, UID, FOREGROUND), Process(22, UID, BACKGROUND)}, FOREGROUND_MAIN, "fg 21"},
         {"child: type, extension type and uid must all match",
-         {Extension(30, OTHER, READY, T::PUSH), Extension(31, UID, READY, T::VOIP), Extension(32, UID, READY, T::PUSH),
-          Extension(33, UID, READY, T::PUSH)},
-         CHILD,
-         "32"},
-        {"child: a normal process is no child",
-         {Process(34, UID, READY, ProcessType::NORMAL, T::PUSH)},
-         CHILD,
+         Processes{Extension(30, OTHER, READY, T::PUSH), Extension(31, UID, READY, T::VOIP),
+                   Extension(32, UID, READY, T::PUSH), Extension(33, UID, READY, T::PUSH)},
+         CHILD, "32"},
+        {"child: a normal process is no child", Processes{Process(34, UID, READY, ProcessType::NORMAL, T::PUSH)}, CHILD,
          std::to_string(INT_MIN)},
         {"parent: extensions of the uid are passed over",
-         {Extension(35, UID, READY, T::PUSH), Process(36, OTHER, READY), Process(37, UID, READY),
-          Process(38, UID, READY)},
-         PARENT,
-         "37"},
+         Processes{Extension(35, UID, READY, T::PUSH), Process(36, OTHER, READY), Process(37, UID, READY),
+                   Process(38, UID, READY)},
+         PARENT, "37"},
     };
     for (const auto& c : cases) {
         Answer(c.list);
@@ -433,27 +413,21 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
     // extension name ("" the main process).
     struct Case {
         const char* name;
-        std::vector<RunningProcessInfo> list;
+        Processes list;
         bool running, pushRunning;
         std::string extension;
         int state;
     };
     const Case cases[] = {
-        {"nothing runs: no uid lookup", {}, false, false, "", -1},
-        {"the main process's state", {Extension(50, UID, READY, T::PUSH), Process(51, UID, FOCUS)}, true, true, "", 3},
+        {"nothing runs: no uid lookup", Processes{}, false, false, "", -1},
+        {"the main process's state", Processes{Extension(50, UID, READY, T::PUSH), Process(51, UID, FOCUS)}, true, true,
+         "", 3},
         {"the named extension's state",
-         {Process(52, UID, FOREGROUND), Extension(53, UID, BACKGROUND, T::VOIP)},
-         true,
-         false,
-         "voip",
-         4},
-        {"another uid: only its push extension counts", {Extension(41, OTHER, READY, T::PUSH)}, false, true, "", -1},
-        {"an unknown extension name matches nothing",
-         {Extension(55, UID, READY, T::REMOTE_NOTIFICATION)},
-         true,
-         false,
-         "Push",
-         -1},
+         Processes{Process(52, UID, FOREGROUND), Extension(53, UID, BACKGROUND, T::VOIP)}, true, false, "voip", 4},
+        {"another uid: only its push extension counts", Processes{Extension(41, OTHER, READY, T::PUSH)}, false, true,
+         "", -1},
+        {"an unknown extension name matches nothing", Processes{Extension(55, UID, READY, T::REMOTE_NOTIFICATION)},
+         true, false, "Push", -1},
     };
     app_.tsanEnabled = true;
     ON_CALL(**bms_, GetUidByBundleName(MAIL, USER, _)).WillByDefault(Return(UID));
