@@ -21,18 +21,18 @@ using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushDistributeAccountHelper;
 using Status = Kavo::Push::SystemAbilityStatusService;
 using Code = std::function<int32_t()>;
+using Texts = std::vector<std::string>;
 
 constexpr int32_t NOT_REACHED = 4194321;
 constexpr int ACCOUNT = 200;
 
 // One retried operation: its platform call made to answer `code`, and its texts.
 struct RetriedOp {
-    const char* name;
     std::function<void(MockAccountService&, Code)> expectCall;
     std::function<PushBaseRsp()> act;
     const char* eventApi;  // null: no analytics event on a failure code
     std::string notStarted, failDesc;
-    std::vector<std::string> failLines;  // for code 2
+    Texts failLines;  // for code 2
 };
 
 std::vector<RetriedOp> RetriedOps()
@@ -41,48 +41,34 @@ std::vector<RetriedOp> RetriedOps()
     static int localId = 0;
     static bool verified = false;
     return {
-        {"QueryActiveOsAccountIds",
-         [](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
-         [] { return PushAccountHelper::QueryActiveOsAccountIds(ids); },
-         "QueryActiveOsAccountIds",
-         "query active os accountIds fail: account sa not started",
-         "query active accountId fail: 2",
-         {"E query active accountId fail: 2"}},
-        {"GetForegroundOsAccounts",
-         [](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
-         [] { return PushAccountHelper::GetForegroundOsAccounts(ids); },
-         nullptr,
-         "getForegroundOsAccounts fail: account sa not started",
-         "get foreground accountId failed 2",
-         {"E Call GetForegroundOsAccounts failed 2", "E get foreground accountId failed 2"}},
-        {"GetForegroundOsAccountLocalId",
-         [](auto& m, Code code) {
+        {[](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
+         [] { return PushAccountHelper::QueryActiveOsAccountIds(ids); }, "QueryActiveOsAccountIds",
+         "query active os accountIds fail: account sa not started", "query active accountId fail: 2",
+         Texts{"E query active accountId fail: 2"}},
+        {[](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
+         [] { return PushAccountHelper::GetForegroundOsAccounts(ids); }, nullptr,
+         "getForegroundOsAccounts fail: account sa not started", "get foreground accountId failed 2",
+         Texts{"E Call GetForegroundOsAccounts failed 2", "E get foreground accountId failed 2"}},
+        {[](auto& m, Code code) {
              auto answer = [code](int& id) { return id = 101, code(); };
              EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(answer);
          },
-         [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); },
-         "GetForegroundOsAccountLocalId",
+         [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); }, "GetForegroundOsAccountLocalId",
          "GetForegroundOsAccountLocalId fail: current userId not obtain",
          "the os account verifie fail: 2, localId: 101",
-         {"E GetForegroundOsAccountLocalId failed: 2, localId: 101",
-          "E GetForegroundOsAccountLocalId retry failed: 2, localId: 101"}},
-        {"IsOsAccountVerified",
-         [](auto& m, Code code) {
+         Texts{"E GetForegroundOsAccountLocalId failed: 2, localId: 101",
+               "E GetForegroundOsAccountLocalId retry failed: 2, localId: 101"}},
+        {[](auto& m, Code code) {
              EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(DoAll(SetArgReferee<0>(100), Return(0)));
              EXPECT_CALL(m, IsOsAccountVerified(100, _)).WillRepeatedly(code);
          },
-         [] { return PushAccountHelper::IsOsAccountVerified(verified); },
-         "IsOsAccountVerified",
-         "isOsAccountVerified fail: account sa not started",
-         "the os account verifie fail: 2, userId: 100",
-         {"E isOsAccountVerified failed: 2, userId: 100", "E isOsAccountVerified retry failed: 2, userId: 100"}},
-        {"GetCurrAccountId",
-         [](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
-         [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); },
-         nullptr,
-         "get os account localId fail: account sa not started",
-         "Get os accountId failed",
-         {"E Get os accountId failed"}},
+         [] { return PushAccountHelper::IsOsAccountVerified(verified); }, "IsOsAccountVerified",
+         "isOsAccountVerified fail: account sa not started", "the os account verifie fail: 2, userId: 100",
+         Texts{"E isOsAccountVerified failed: 2, userId: 100", "E isOsAccountVerified retry failed: 2, userId: 100"}},
+        {[](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
+         [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); }, nullptr,
+         "get os account localId fail: account sa not started", "Get os accountId failed",
+         Texts{"E Get os accountId failed"}},
     };
 }
 
@@ -99,7 +85,7 @@ protected:
 TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
 {
     for (const auto& op : RetriedOps()) {
-        SCOPED_TRACE(op.name);
+        SCOPED_TRACE(op.notStarted);
         {
             ScopedAccountService service{ACCOUNT};
             readiness_.Track(ACCOUNT, Status::STOPPED);
