@@ -153,8 +153,7 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         cap_.Clear();
         c.refuse();
         PushBaseRsp rsp = c.query();
-        EXPECT_EQ(rsp.GetErr(), c.err);
-        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
+        EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(c.err, c.desc));
         EXPECT_TRUE(c.err == 0 ? Lines(cap_).empty() : HasLine(cap_, c.line.empty() ? c.desc : c.line, c.level));
         bms_.reset();
         ams_.reset();
@@ -182,7 +181,7 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
     EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
     samgr.SetManagerAvailable(true);
     EXPECT_EQ(reports.Reports(),
-              (std::vector<std::pair<int, std::string>>{
+              (ReportRecorder::Reported{
                   {100002017, "get running process information ret(6)"},
                   {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
 }

@@ -17,7 +17,6 @@ using Kavo::MiscServices::TimeServiceClient;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushTimerHelper;
 using Kavo::Push::PushTimerInfo;
-using Reports = std::vector<std::pair<int, std::string>>;
 using Act = PushBaseRsp (*)(const std::shared_ptr<PushTimerInfo>&);
 
 constexpr int TIME_SERVICE = 3702;
@@ -92,7 +91,7 @@ TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
         PushBaseRsp rsp = act(nullptr);
         EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(1000900001, desc));
         EXPECT_EQ(cap_.Texts(), std::vector<std::string>{log});
-        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, log}}));
+        EXPECT_EQ(reports_.Reports(), (ReportRecorder::Reported{{100002018, log}}));
     }
     EXPECT_EQ(events_.Take(), Events{});
 }
