@@ -168,6 +168,10 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 0, ret).name.empty());
     EXPECT_EQ(ret, 3) << "no manager: the code is left as it was";
     bms_.emplace(BUNDLE_ID);
+    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
+    EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
+    EXPECT_EQ(ret, 8521290) << "a refused clone record hands back the code";
+    EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
     EXPECT_CALL(**bms_, GetNameAndIndexForUid(_, _, _)).WillRepeatedly(Return(12));
     EXPECT_EQ(PushBundleHelper::GetAppIndex(1, uid_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
     EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(caller_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
@@ -208,15 +212,6 @@ TEST_F(BundleQueryTest, TracesAndWarningsKeepTheirLevels)
                                         "I GetCallingUid uid: 20010042", "I Get clientUserInfo succeed",
                                         "W Get ability context failed"}));
     EXPECT_EQ(uid_, UID);
-}
-
-TEST_F(BundleQueryTest, CloneRecordFailureHandsBackTheCode)
-{
-    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
-    int ret = 0;
-    EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
-    EXPECT_EQ(ret, 8521290);
-    EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
 }
 
 TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
