@@ -1,44 +1,35 @@
 #include "tests/support/test_support.h"
 
 #include <cstdlib>
-#include <memory>
-#include <mutex>
 
 #include "kavo/push/event/teldric_helper.h"
 
 namespace KavoTest {
 
-struct ReportRecorder::State {
-    mutable std::mutex mutex;
-    std::vector<std::pair<int, std::string>> reports;
-};
-
-ReportRecorder::ReportRecorder() : state_(new State)
+ReportRecorder::ReportRecorder()
 {
-    State* state = state_;
     Kavo::Push::TeldricHelper::SetReportException(
-        [state](Kavo::Push::PushInnerError const& inner, std::string const& desc) {
-            std::lock_guard<std::mutex> lock(state->mutex);
-            state->reports.emplace_back(static_cast<int>(inner), desc);
+        [this](Kavo::Push::PushInnerError const& inner, std::string const& desc) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            reports_.emplace_back(static_cast<int>(inner), desc);
         });
 }
 
 ReportRecorder::~ReportRecorder()
 {
     Kavo::Push::TeldricHelper::SetReportException(nullptr);
-    delete state_;
 }
 
-std::vector<std::pair<int, std::string>> ReportRecorder::Reports() const
+ReportRecorder::Reported ReportRecorder::Reports() const
 {
-    std::lock_guard<std::mutex> lock(state_->mutex);
-    return state_->reports;
+    std::lock_guard<std::mutex> lock(mutex_);
+    return reports_;
 }
 
 void ReportRecorder::Clear()
 {
-    std::lock_guard<std::mutex> lock(state_->mutex);
-    state_->reports.clear();
+    std::lock_guard<std::mutex> lock(mutex_);
+    reports_.clear();
 }
 
 ScopedEnv::ScopedEnv(std::string name, const char* value) : name_(std::move(name))

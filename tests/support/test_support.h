@@ -2,6 +2,7 @@
 #ifndef KAVO_TESTS_SUPPORT_TEST_SUPPORT_H
 #define KAVO_TESTS_SUPPORT_TEST_SUPPORT_H
 
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,20 +12,19 @@
 
 namespace KavoTest {
 
-// Installs an analytics exception hook for its lifetime and records every report.
+// Installs an analytics exception hook for its lifetime and records every report. Its mutex
+// forbids copies.
 class ReportRecorder {
 public:
+    using Reported = std::vector<std::pair<int, std::string>>;
     ReportRecorder();
     ~ReportRecorder();
-    ReportRecorder(const ReportRecorder&) = delete;
-    ReportRecorder& operator=(const ReportRecorder&) = delete;
-
-    std::vector<std::pair<int, std::string>> Reports() const;
+    Reported Reports() const;
     void Clear();
 
 private:
-    struct State;
-    State* state_;
+    mutable std::mutex mutex_;
+    Reported reports_;
 };
 
 // Sets an environment variable for the scope, restoring the previous value afterwards.

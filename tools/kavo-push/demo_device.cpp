@@ -12,8 +12,6 @@ using Kavo::AppExecFwk::ExtensionAbilityType;
 using Kavo::Push::SystemAbilityStatusService;
 using std::chrono::milliseconds;
 
-// A waiting query polls ten times; at this interval a late service is met within half a second.
-constexpr int POLL_INTERVAL_MS = 50;
 constexpr milliseconds ON_TIME{0};
 constexpr milliseconds LATE{150};
 
@@ -74,7 +72,6 @@ DemoDevice::DemoDevice(const DemoScenario& scenario)
 {
     using Status = SystemAbilityStatusService;
     // The service's owner tracks readiness from the registry's announcements.
-    SystemAbilityStatusService::SetPollIntervalForTesting(POLL_INTERVAL_MS);
     Status::SetStatus(Status::ANCHOR_ABILITY_ID, Status::STARTED);
     listener_ = Kavo::SystemAbilityManagerClient::GetInstance().AddStatusListener(
         [](int32_t id, bool up) { Status::SetStatus(id, up ? Status::STARTED : Status::STOPPED); });

@@ -1,6 +1,5 @@
 #include "kavo/push/common/system_ability_status_service.h"
 
-#include <atomic>
 #include <chrono>
 #include <thread>
 
@@ -14,17 +13,10 @@ std::recursive_mutex SystemAbilityStatusService::mutex;
 namespace {
 
 constexpr int STATUS_POLL_COUNT = 10;
-constexpr int DEFAULT_POLL_INTERVAL_MS = 1000;
+constexpr std::chrono::seconds STATUS_POLL_INTERVAL{1};
 constexpr int WAIT_RETRY_ABILITY_ID = 1301;
 
-std::atomic<int> g_pollIntervalMs{DEFAULT_POLL_INTERVAL_MS};
-
 }  // namespace
-
-void SystemAbilityStatusService::SetPollIntervalForTesting(int milliseconds)
-{
-    g_pollIntervalMs.store(milliseconds > 0 ? milliseconds : DEFAULT_POLL_INTERVAL_MS);
-}
 
 void SystemAbilityStatusService::SetStatus(int const& abilityId, Status const& status)
 {
@@ -45,7 +37,7 @@ SystemAbilityStatusService::Status SystemAbilityStatusService::GetStatus(int con
 SystemAbilityStatusService::Status SystemAbilityStatusService::LoopCheckStatus(int const& abilityId)
 {
     for (int i = 0; i < STATUS_POLL_COUNT; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(g_pollIntervalMs.load()));
+        std::this_thread::sleep_for(STATUS_POLL_INTERVAL);
         if (GetStatus(abilityId) == STARTED) {
             break;
         }

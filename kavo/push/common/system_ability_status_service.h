@@ -33,9 +33,6 @@ public:
     static PushBaseRsp DoSystemAbilityTaskWithRetry(int const& abilityId, std::function<PushBaseRsp()> const& task);
     static Status LoopCheckStatus(int const& abilityId);
     static PushBaseRsp WaitAndRetry(int const& abilityId, std::function<PushBaseRsp()> const& task, PushBaseRsp& rsp);
-
-    // Length of one poll while waiting; ten polls in all. Tests shorten it.
-    static void SetPollIntervalForTesting(int milliseconds);
 };
 
 }  // namespace Kavo::Push

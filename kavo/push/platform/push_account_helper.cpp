@@ -6,20 +6,24 @@
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/event/teldric_helper.h"
 #include "kavo/push/platform/internal/account_query.h"
-#include "kavo/push/platform/push_bundle_helper.h"
 
 namespace Kavo::Push {
 
 using AccountSA::OsAccountManager;
+using internal::AccountQueryTexts;
+using internal::CodeAndIdFormat;
+using internal::InfoFormat;
 using internal::RunAccountQuery;
 
 PushBaseRsp PushAccountHelper::QueryActiveOsAccountIds(std::vector<int>& ids)
 {
-    return RunAccountQuery({nullptr, "QueryActiveOsAccountIds",
-                            "query active os accountIds fail: account sa not started",
-                            "QueryActiveOsAccountIds fail: %{public}s", "query active accountId fail: %{public}d",
-                            "query active accountId fail: %d"},
-                           [&ids]() { return OsAccountManager::QueryActiveOsAccountIds(ids); });
+    AccountQueryTexts texts;
+    texts.eventApiName = "QueryActiveOsAccountIds";
+    texts.notStartedText = "query active os accountIds fail: account sa not started";
+    texts.retryFailLog = InfoFormat("QueryActiveOsAccountIds fail: %{public}s");
+    texts.failLog = CodeAndIdFormat("query active accountId fail: %{public}d");
+    texts.failDesc = CodeAndIdFormat("query active accountId fail: %d");
+    return RunAccountQuery(texts, [&ids]() { return OsAccountManager::QueryActiveOsAccountIds(ids); });
 }
 
 PushBaseRsp PushAccountHelper::GetOsAccountLocalIdFromUid(int uid, int& localId)
@@ -36,12 +40,15 @@ PushBaseRsp PushAccountHelper::GetOsAccountLocalIdFromUid(int uid, int& localId)
 
 PushBaseRsp PushAccountHelper::GetForegroundOsAccounts(std::vector<int>& localIds)
 {
+    AccountQueryTexts texts;
+    texts.taskFailLog = CodeAndIdFormat("Call GetForegroundOsAccounts failed %{public}d");
+    texts.notStartedText = "getForegroundOsAccounts fail: account sa not started";
+    texts.retryFailLog = InfoFormat("GetForegroundOsAccounts fail: %{public}s");
+    texts.failLog = CodeAndIdFormat("get foreground accountId failed %{public}d");
+    texts.failDesc = CodeAndIdFormat("get foreground accountId failed %d");
     std::vector<AccountSA::ForegroundOsAccount> accounts;
-    PushBaseRsp rsp = RunAccountQuery(
-        {"Call GetForegroundOsAccounts failed %{public}d", nullptr,
-         "getForegroundOsAccounts fail: account sa not started", "GetForegroundOsAccounts fail: %{public}s",
-         "get foreground accountId failed %{public}d", "get foreground accountId failed %d"},
-        [&accounts]() { return OsAccountManager::GetForegroundOsAccounts(accounts); });
+    PushBaseRsp rsp =
+        RunAccountQuery(texts, [&accounts]() { return OsAccountManager::GetForegroundOsAccounts(accounts); });
     if (rsp.Succeed()) {
         for (const auto& account : accounts) {
             localIds.push_back(account.localId);
@@ -52,13 +59,15 @@ PushBaseRsp PushAccountHelper::GetForegroundOsAccounts(std::vector<int>& localId
 
 PushBaseRsp PushAccountHelper::GetForegroundOsAccountLocalId(int& localId)
 {
+    AccountQueryTexts texts;
+    texts.taskFailLog = CodeAndIdFormat("GetForegroundOsAccountLocalId failed: %{public}d, localId: %{public}d");
+    texts.eventApiName = "GetForegroundOsAccountLocalId";
+    texts.notStartedText = "GetForegroundOsAccountLocalId fail: current userId not obtain";
+    texts.retryFailLog = InfoFormat("GetForegroundOsAccountLocalId fail: %{public}s");
+    texts.failLog = CodeAndIdFormat("GetForegroundOsAccountLocalId retry failed: %{public}d, localId: %{public}d");
+    texts.failDesc = CodeAndIdFormat("the os account verifie fail: %d, localId: %d");
     return RunAccountQuery(
-        {"GetForegroundOsAccountLocalId failed: %{public}d, localId: %{public}d", "GetForegroundOsAccountLocalId",
-         "GetForegroundOsAccountLocalId fail: current userId not obtain",
-         "GetForegroundOsAccountLocalId fail: %{public}s",
-         "GetForegroundOsAccountLocalId retry failed: %{public}d, localId: %{public}d",
-         "the os account verifie fail: %d, localId: %d"},
-        [&localId]() { return OsAccountManager::GetForegroundOsAccountLocalId(localId); }, &localId);
+        texts, [&localId]() { return OsAccountManager::GetForegroundOsAccountLocalId(localId); }, &localId);
 }
 
 PushBaseRsp PushAccountHelper::IsOsAccountVerified(bool& isVerified)
@@ -70,20 +79,16 @@ PushBaseRsp PushAccountHelper::IsOsAccountVerified(bool& isVerified)
         return PushBaseRsp(PUSH_ERR_NONE, "IsOsAccountVerified failed: userId is %d, desc is %s", localId,
                            idRsp.GetInfo().c_str());
     }
+    AccountQueryTexts texts;
+    texts.taskFailLog = CodeAndIdFormat("isOsAccountVerified failed: %{public}d, userId: %{public}d");
+    texts.eventApiName = "IsOsAccountVerified";
+    texts.notStartedText = "isOsAccountVerified fail: account sa not started";
+    texts.retryFailLog = InfoFormat("isOsAccountVerified fail: %{public}s");
+    texts.failLog = CodeAndIdFormat("isOsAccountVerified retry failed: %{public}d, userId: %{public}d");
+    texts.failDesc = CodeAndIdFormat("the os account verifie fail: %d, userId: %d");
     return RunAccountQuery(
-        {"isOsAccountVerified failed: %{public}d, userId: %{public}d", "IsOsAccountVerified",
-         "isOsAccountVerified fail: account sa not started", "isOsAccountVerified fail: %{public}s",
-         "isOsAccountVerified retry failed: %{public}d, userId: %{public}d",
-         "the os account verifie fail: %d, userId: %d"},
-        [localId, &isVerified]() { return OsAccountManager::IsOsAccountVerified(localId, isVerified); }, &localId);
-}
-
-PushBaseRsp PushBundleHelper::GetCurrAccountId(int& accountId)
-{
-    return RunAccountQuery({nullptr, nullptr, "get os account localId fail: account sa not started",
-                            "Get curr account id fail: %{public}s", "Get os accountId failed",
-                            "Get os accountId failed"},
-                           [&accountId]() { return OsAccountManager::GetOsAccountLocalIdFromProcess(accountId); });
+        texts, [localId, &isVerified]() { return OsAccountManager::IsOsAccountVerified(localId, isVerified); },
+        &localId);
 }
 
 }  // namespace Kavo::Push

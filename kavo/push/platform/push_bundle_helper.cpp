@@ -4,14 +4,18 @@
 #include <algorithm>
 #include <map>
 
+#include "kavo/host/account/os_account_manager.h"
 #include "kavo/host/context/application_context.h"
 #include "kavo/push/common/push_log.h"
-#include "kavo/push/platform/internal/service_proxy.h"
+#include "kavo/push/platform/internal/account_query.h"
+#include "kavo/push/platform/internal/bundle_managers.h"
 #include "kavo/push/platform/push_account_helper.h"
 
 namespace Kavo::Push {
 
 using AppExecFwk::IBundleMgr;
+using internal::InfoFormat;
+using internal::WithBundleMgr;
 
 namespace {
 
@@ -34,229 +38,192 @@ const std::map<std::string, ExtensionAbilityType> EXTENSION_TYPES = {
     {EXTENSION_SERVICE, ExtensionAbilityType::SERVICE},
 };
 
-constexpr int BUNDLE_MGR_ABILITY_ID = BUNDLE_MGR_SERVICE_SYS_ABILITY_ID;
 constexpr int BUNDLE_FLAG_WITH_APPLICATION = AppExecFwk::GET_BUNDLE_INFO_WITH_APPLICATION;
 constexpr int32_t ERR_BUNDLE_NOT_EXIST = AppExecFwk::BUNDLE_NOT_INSTALLED;  // 0x820604
 
-}  // namespace
-
-PushBaseRsp PushBundleHelper::GetBundleMgr(sptr<IBundleMgr>& out)
+// The first ability the query finds; an empty answer leaves `info` untouched.
+PushBaseRsp FirstAbility(const Want& want, const int& userId, AbilityInfo& info)
 {
-    return internal::GetServiceProxy<IBundleMgr>(
-        BUNDLE_MGR_ABILITY_ID,
-        {"get samgr fail", "get samgr fail", "Get bms fail: bms sa not started", "get bms fail: bms sa not started",
-         "Get bundle mgr fail: %{public}s", "IBundleMgr is null"},
-        out);
+    std::vector<AbilityInfo> infos;
+    PushBaseRsp rsp = PushBundleHelper::QueryAbilityInfos(want, userId, infos);
+    if (rsp.Succeed() && !infos.empty()) {
+        info = infos.front();
+    }
+    return rsp;
 }
+
+}  // namespace
 
 PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const int& userId,
                                                          std::vector<ExtensionAbilityInfo>& infos)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail");
-        return rsp;
-    }
-    int32_t code = mgr->QueryExtensionAbilityInfosV9(want, 0, userId, infos);
-    if (code != 0) {
-        PUSH_LOGE("query extension fail:%{public}d", code);
-        return PushBaseRsp(PUSH_ERR_EXTENSION_NOT_EXIST, "query extension fail:%s", std::to_string(code).c_str());
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
+        int32_t code = mgr.QueryExtensionAbilityInfosV9(want, 0, userId, infos);
+        if (code != 0) {
+            PUSH_LOGE("query extension fail:%{public}d", code);
+            return PushBaseRsp(PUSH_ERR_EXTENSION_NOT_EXIST, "query extension fail:%s", std::to_string(code).c_str());
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const ExtensionAbilityType& type,
                                                          const int& flags, const int& userId,
                                                          std::vector<ExtensionAbilityInfo>& infos)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail");
-        return rsp;
-    }
-    int32_t code = mgr->QueryExtensionAbilityInfosV9(want, type, flags, userId, infos);
-    if (code != 0) {
-        PUSH_LOGE("Query extension ability info failed:%{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query extension ability info failed:%d", code);
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
+        int32_t code = mgr.QueryExtensionAbilityInfosV9(want, type, flags, userId, infos);
+        if (code != 0) {
+            PUSH_LOGE("Query extension ability info failed:%{public}d", code);
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query extension ability info failed:%d", code);
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::QueryAbilityInfos(const Want& want, const int& userId, std::vector<AbilityInfo>& infos)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("get bundle mgr fail");
-        return rsp;
-    }
-    int32_t code = mgr->QueryAbilityInfosV9(want, 0, userId, infos);
-    if (code != 0) {
-        PUSH_LOGE("Query Ability InfosV9 Fail");
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query ability infos failed:%d", code);
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
+        int32_t code = mgr.QueryAbilityInfosV9(want, 0, userId, infos);
+        if (code != 0) {
+            PUSH_LOGE("Query Ability InfosV9 Fail");
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query ability infos failed:%d", code);
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::QueryAbilityInfo(const Want& want, int flags, int userId, AbilityInfo& info)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail:%{public}s", rsp.GetInfo().c_str());
-        return rsp;
-    }
-    if (!mgr->QueryAbilityInfo(want, flags, userId, info)) {
-        PUSH_LOGE("query ability info failed");
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "query ability info failed");
-    }
-    return PushBaseRsp();
+    return WithBundleMgr(InfoFormat("Get Bundle Mgr Fail:%{public}s"), [&](IBundleMgr& mgr) {
+        if (!mgr.QueryAbilityInfo(want, flags, userId, info)) {
+            PUSH_LOGE("query ability info failed");
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "query ability info failed");
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::GetApplicationInfo(const std::string& bundleName, ApplicationFlag flag, int userId,
                                                  ApplicationInfo& info)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail");
-        return rsp;
-    }
-    if (!mgr->GetApplicationInfo(bundleName, flag, userId, info)) {
-        PUSH_LOGE("Get application info fail");
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Get application info fail");
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
+        if (!mgr.GetApplicationInfo(bundleName, flag, userId, info)) {
+            PUSH_LOGE("Get application info fail");
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Get application info fail");
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::GetNameForUid(const int& uid, std::string& bundleName)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail");
-        return rsp;
-    }
-    int32_t code = mgr->GetNameForUid(uid, bundleName);
-    if (code != 0) {
-        PUSH_LOGE("Get name for uid fail: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Get name for uid fail: %d", code);
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
+        int32_t code = mgr.GetNameForUid(uid, bundleName);
+        if (code != 0) {
+            PUSH_LOGE("Get name for uid fail: %{public}d", code);
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Get name for uid fail: %d", code);
+        }
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::GetUidByBundleName(const std::string& bundleName, const int& userId, int& uid,
                                                  const int& appIndex)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get Bundle Mgr Fail");
-        return rsp;
-    }
-    uid = mgr->GetUidByBundleName(bundleName, userId, appIndex);
-    return PushBaseRsp();
+    return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
+        uid = mgr.GetUidByBundleName(bundleName, userId, appIndex);
+        return PushBaseRsp();
+    });
 }
 
 PushBaseRsp PushBundleHelper::GetBundleInfoV9(const std::string& bundleName, const int& userId, BundleInfo& info)
 {
     PUSH_LOGI("GetBundleInfoV9 start, bundleName:%{public}s", bundleName.c_str());
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("GetBundleInfoV9 get bundle mgr fail");
-        return rsp;
-    }
-    int32_t code = mgr->GetBundleInfoV9(bundleName, BUNDLE_FLAG_WITH_APPLICATION, info, userId);
-    if (code != 0) {
-        PUSH_LOGW("GetBundleInfoV9 failed ret:%{public}d", code);
-        return PushBaseRsp(PUSH_ERR_NONE, "Get RimoBundleInfo, %d", code);
-    }
-    PUSH_LOGI("GetBundleInfoV9 end, bundleName:%{public}s", bundleName.c_str());
-    return PushBaseRsp();
+    return WithBundleMgr("GetBundleInfoV9 get bundle mgr fail", [&](IBundleMgr& mgr) {
+        int32_t code = mgr.GetBundleInfoV9(bundleName, BUNDLE_FLAG_WITH_APPLICATION, info, userId);
+        if (code != 0) {
+            PUSH_LOGW("GetBundleInfoV9 failed ret:%{public}d", code);
+            return PushBaseRsp(PUSH_ERR_NONE, "Get RimoBundleInfo, %d", code);
+        }
+        PUSH_LOGI("GetBundleInfoV9 end, bundleName:%{public}s", bundleName.c_str());
+        return PushBaseRsp();
+    });
 }
 
 BundleInfo PushBundleHelper::GetBundleInfo(const std::string& bundleName, const int& userId, const int& appIndex,
                                            int& ret)
 {
     BundleInfo info;
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("Get bundle mgr fail: %{public}s", rsp.GetInfo().c_str());
-        return info;
-    }
-    ret = mgr->GetCloneBundleInfo(bundleName, BUNDLE_FLAG_WITH_APPLICATION, appIndex, info, userId);
-    if (ret != 0) {
-        PUSH_LOGE("Get clone bundle info %{public}s failed: %{public}d", bundleName.c_str(), ret);
-    }
+    WithBundleMgr(InfoFormat("Get bundle mgr fail: %{public}s"), [&](IBundleMgr& mgr) {
+        ret = mgr.GetCloneBundleInfo(bundleName, BUNDLE_FLAG_WITH_APPLICATION, appIndex, info, userId);
+        if (ret != 0) {
+            PUSH_LOGE("Get clone bundle info %{public}s failed: %{public}d", bundleName.c_str(), ret);
+        }
+        return PushBaseRsp();
+    });
     return info;
 }
 
 PushBaseRsp PushBundleHelper::GetAppIndex(const int& uid, int& appIndex)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("get bundle mgr fail");
-        return rsp;
-    }
-    std::string bundleName;
-    int32_t code = mgr->GetNameAndIndexForUid(uid, bundleName, appIndex);
-    if (code != 0) {
-        PUSH_LOGE("Get appIndex faild: %{public}d", code);
-        return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED, "get appIndex failed:" + std::to_string(code));
-    }
-    return PushBaseRsp();
+    return WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
+        std::string bundleName;
+        int32_t code = mgr.GetNameAndIndexForUid(uid, bundleName, appIndex);
+        if (code != 0) {
+            PUSH_LOGE("Get appIndex faild: %{public}d", code);
+            return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED,
+                               "get appIndex failed:" + std::to_string(code));
+        }
+        return PushBaseRsp();
+    });
 }
 
 std::pair<PushBaseRsp, int> PushBundleHelper::GetInstalledStatus(const std::string& bundleName, const int& userId,
                                                                  const int& appIndex)
 {
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("get bundle mgr fail");
-        return {rsp, INSTALLED_STATUS_UNKNOWN};
-    }
-    bool installed = false;
-    int32_t code = mgr->IsBundleInstalled(bundleName, userId, appIndex, installed);
-    if (code != 0) {
-        PUSH_LOGE("Get install status failed, %{public}d", code);
-        return {PushBaseRsp(PUSH_ERR_NONE, "Get install status failed, %d", code), INSTALLED_STATUS_UNKNOWN};
-    }
-    if (!installed) {
-        PUSH_LOGE("bundle is not installed");
-        return {PushBaseRsp(PUSH_ERR_NONE), INSTALLED_STATUS_NOT_INSTALLED};
-    }
-    return {PushBaseRsp(), INSTALLED_STATUS_INSTALLED};
+    int status = INSTALLED_STATUS_UNKNOWN;
+    PushBaseRsp rsp = WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
+        bool installed = false;
+        int32_t code = mgr.IsBundleInstalled(bundleName, userId, appIndex, installed);
+        if (code != 0) {
+            PUSH_LOGE("Get install status failed, %{public}d", code);
+            return PushBaseRsp(PUSH_ERR_NONE, "Get install status failed, %d", code);
+        }
+        if (!installed) {
+            PUSH_LOGE("bundle is not installed");
+            status = INSTALLED_STATUS_NOT_INSTALLED;
+            return PushBaseRsp(PUSH_ERR_NONE);
+        }
+        status = INSTALLED_STATUS_INSTALLED;
+        return PushBaseRsp();
+    });
+    return {rsp, status};
 }
 
 std::pair<PushBaseRsp, int> PushBundleHelper::GetInstalledStatusV9(const std::string& bundleName, const int& userId,
                                                                    int& uid)
 {
     PUSH_LOGI("GetInstalledStatusV9 start, bundleName:%{public}s", bundleName.c_str());
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("get bundle mgr fail");
-        return {rsp, INSTALLED_STATUS_UNKNOWN};
-    }
-    BundleInfo info;
-    int32_t code = mgr->GetBundleInfoV9(bundleName, BUNDLE_FLAG_WITH_APPLICATION, info, userId);
-    if (code == ERR_BUNDLE_NOT_EXIST) {
-        PUSH_LOGE("GetInstalledStatusV9 bundle is not installed");
-        return {PushBaseRsp(PUSH_ERR_NONE, "bundle is not installed"), INSTALLED_STATUS_NOT_INSTALLED};
-    }
-    if (code != 0) {
-        PUSH_LOGE("GetInstalledStatusV9 failed ret:%{public}d", code);
-        return {PushBaseRsp(PUSH_ERR_NONE, "Get install status failed, %d", code), INSTALLED_STATUS_UNKNOWN};
-    }
-    PUSH_LOGI("GetInstalledStatusV9 bundle is installed, bundleName:%{public}s", bundleName.c_str());
-    uid = info.uid;
-    return {PushBaseRsp(), INSTALLED_STATUS_INSTALLED};
+    int status = INSTALLED_STATUS_UNKNOWN;
+    PushBaseRsp rsp = WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
+        BundleInfo info;
+        int32_t code = mgr.GetBundleInfoV9(bundleName, BUNDLE_FLAG_WITH_APPLICATION, info, userId);
+        if (code == ERR_BUNDLE_NOT_EXIST) {
+            PUSH_LOGE("GetInstalledStatusV9 bundle is not installed");
+            status = INSTALLED_STATUS_NOT_INSTALLED;
+            return PushBaseRsp(PUSH_ERR_NONE, "bundle is not installed");
+        }
+        if (code != 0) {
+            PUSH_LOGE("GetInstalledStatusV9 failed ret:%{public}d", code);
+            return PushBaseRsp(PUSH_ERR_NONE, "Get install status failed, %d", code);
+        }
+        PUSH_LOGI("GetInstalledStatusV9 bundle is installed, bundleName:%{public}s", bundleName.c_str());
+        uid = info.uid;
+        status = INSTALLED_STATUS_INSTALLED;
+        return PushBaseRsp();
+    });
+    return {rsp, status};
 }
 
 PushBaseRsp PushBundleHelper::GetAppUidForName(const std::string& bundleName, const int& userId, int& uid)
@@ -301,22 +268,12 @@ PushBaseRsp PushBundleHelper::GetAppAnitizerFlag(const std::string& bundleName, 
     return rsp;
 }
 
-PushBaseRsp PushBundleHelper::QueryFirstAbility(const Want& want, const int& userId, AbilityInfo& info)
-{
-    std::vector<AbilityInfo> infos;
-    PushBaseRsp rsp = QueryAbilityInfos(want, userId, infos);
-    if (rsp.Succeed() && !infos.empty()) {
-        info = infos.front();
-    }
-    return rsp;
-}
-
 PushBaseRsp PushBundleHelper::GetAbilityByAction(const std::string& bundleName, const std::string& action,
                                                  const int& userId, AbilityInfo& info)
 {
     Want want;
     want.SetBundle(bundleName).SetAction(action);
-    return QueryFirstAbility(want, userId, info);
+    return FirstAbility(want, userId, info);
 }
 
 PushBaseRsp PushBundleHelper::GetAbilityByUri(const std::string& bundleName, const std::string& uri, const int& userId,
@@ -324,7 +281,7 @@ PushBaseRsp PushBundleHelper::GetAbilityByUri(const std::string& bundleName, con
 {
     Want want;
     want.SetBundle(bundleName).SetUri(uri);
-    return QueryFirstAbility(want, userId, info);
+    return FirstAbility(want, userId, info);
 }
 
 PushBaseRsp PushBundleHelper::GetAbilityByName(const std::string& bundleName, const std::string& abilityName,
@@ -332,14 +289,14 @@ PushBaseRsp PushBundleHelper::GetAbilityByName(const std::string& bundleName, co
 {
     Want want;
     want.SetElementName(bundleName, abilityName);
-    return QueryFirstAbility(want, userId, info);
+    return FirstAbility(want, userId, info);
 }
 
 PushBaseRsp PushBundleHelper::GetMainAbility(const std::string& bundleName, const int& userId, AbilityInfo& info)
 {
     Want want;
     want.SetBundle(bundleName).SetAction(Want::ACTION_HOME).AddEntity(Want::ENTITY_HOME);
-    return QueryFirstAbility(want, userId, info);
+    return FirstAbility(want, userId, info);
 }
 
 PushBaseRsp PushBundleHelper::ExtensionExist(const Want& want, const int& userId, const ExtensionAbilityType& type,
@@ -401,6 +358,17 @@ PushBaseRsp PushBundleHelper::IsBrowserAvailable()
         return rsp;
     }
     return PushBaseRsp();
+}
+
+PushBaseRsp PushBundleHelper::GetCurrAccountId(int& accountId)
+{
+    internal::AccountQueryTexts texts;
+    texts.notStartedText = "get os account localId fail: account sa not started";
+    texts.retryFailLog = InfoFormat("Get curr account id fail: %{public}s");
+    texts.failLog = internal::CodeAndIdFormat("Get os accountId failed");
+    texts.failDesc = internal::CodeAndIdFormat("Get os accountId failed");
+    return internal::RunAccountQuery(
+        texts, [&accountId]() { return AccountSA::OsAccountManager::GetOsAccountLocalIdFromProcess(accountId); });
 }
 
 }  // namespace Kavo::Push

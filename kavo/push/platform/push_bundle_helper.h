@@ -14,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "kavo/host/appmgr/iapp_mgr.h"
 #include "kavo/host/bundle/ibundle_mgr.h"
 #include "kavo/host/want/want.h"
 #include "kavo/push/common/push_base_rsp.h"
@@ -114,21 +113,6 @@ public:
     static bool IsGivenExtensionProcessRunning(const std::string& bundleName, const int& userId,
                                                const ExtensionAbilityType& type);
     static PushBaseRsp GetAppProcessState(const ProcessInfo& info, int& state, unsigned char& flags);
-
-private:
-    // The texts of one running-process request: the log when the application manager cannot
-    // be had (given its GetInfo()), and the log and description of a failure code.
-    struct ProcessQueryTexts {
-        const char* noMgrLog;
-        const char* failLog;
-        const char* failDesc;
-    };
-
-    static PushBaseRsp QueryRunningProcesses(const std::string& bundleName, int userId, const ProcessQueryTexts& texts,
-                                             std::vector<AppExecFwk::RunningProcessInfo>& processes);
-    static PushBaseRsp GetBundleMgr(sptr<AppExecFwk::IBundleMgr>& out);
-    static PushBaseRsp GetAppMgr(sptr<AppExecFwk::IAppMgr>& out);
-    static PushBaseRsp QueryFirstAbility(const Want& want, const int& userId, AbilityInfo& info);
 };
 
 }  // namespace Kavo::Push

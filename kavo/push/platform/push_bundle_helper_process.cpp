@@ -5,7 +5,7 @@
 #include "kavo/host/ipc/ipc_skeleton.h"
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/event/report_log.h"
-#include "kavo/push/platform/internal/service_proxy.h"
+#include "kavo/push/platform/internal/bundle_managers.h"
 #include "kavo/push/platform/push_account_helper.h"
 #include "kavo/push/platform/push_bundle_helper.h"
 
@@ -15,10 +15,14 @@ using AppExecFwk::IAppMgr;
 using AppExecFwk::IBundleMgr;
 using AppExecFwk::ProcessType;
 using AppExecFwk::RunningProcessInfo;
+using internal::CodeFormat;
+using internal::GetAppMgr;
+using internal::InfoFormat;
+using internal::QueryRunningProcesses;
+using internal::WithBundleMgr;
 
 namespace {
 
-constexpr int APP_MGR_ABILITY_ID = APP_MGR_SERVICE_ID;
 constexpr int NO_PID = INT_MIN;
 constexpr int FOREGROUND_STATE = 2;  // foreground (2) and focused (3) differ only in the lowest bit
 
@@ -34,49 +38,22 @@ bool IsExtensionOf(const RunningProcessInfo& process, ExtensionAbilityType type)
 
 }  // namespace
 
-PushBaseRsp PushBundleHelper::GetAppMgr(sptr<IAppMgr>& out)
-{
-    return internal::GetServiceProxy<IAppMgr>(APP_MGR_ABILITY_ID,
-                                              {"get app mgr fail: get samgr fail", "get app mgr fail: get samgr fail",
-                                               "get ams fail: ams sa not started", "get ams fail: ams sa not started",
-                                               "Get app mgr fail: %{public}s", "IAppMgr is null"},
-                                              out);
-}
-
-PushBaseRsp PushBundleHelper::QueryRunningProcesses(const std::string& bundleName, int userId,
-                                                    const ProcessQueryTexts& texts,
-                                                    std::vector<RunningProcessInfo>& processes)
-{
-    sptr<IAppMgr> mgr;
-    PushBaseRsp rsp = GetAppMgr(mgr);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE(texts.noMgrLog, rsp.GetInfo().c_str());
-        return rsp;
-    }
-    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
-    if (code != 0) {
-        PUSH_LOGE(texts.failLog, code);
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, texts.failDesc, code);
-    }
-    return PushBaseRsp();
-}
-
 PushBaseRsp PushBundleHelper::GetIpcClientUserInfo(ClientUserInfo& info)
 {
     int uid = IPCSkeleton::GetCallingUid();
     PUSH_LOGI("GetCallingUid uid: %{public}d", uid);
-    sptr<IBundleMgr> mgr;
-    PushBaseRsp rsp = GetBundleMgr(mgr);
+    PushBaseRsp rsp = WithBundleMgr(CodeFormat("Get BundleMgr failed, ret: %{public}d"), [&](IBundleMgr& mgr) {
+        info.uid = uid;
+        int32_t code = mgr.GetNameAndIndexForUid(uid, info.bundleName, info.appIndex);
+        if (code != 0) {
+            PUSH_LOGW("Get uid %{public}d, appIndex, bundle name failed, ret:%{public}d", uid, code);
+            return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED,
+                               "get uid, bundle name, appIndex fail:" + std::to_string(code));
+        }
+        return PushBaseRsp();
+    });
     if (!rsp.Succeed()) {
-        PUSH_LOGE("Get BundleMgr failed, ret: %{public}d", rsp.GetErr());
         return rsp;
-    }
-    info.uid = uid;
-    int32_t code = mgr->GetNameAndIndexForUid(uid, info.bundleName, info.appIndex);
-    if (code != 0) {
-        PUSH_LOGW("Get uid %{public}d, appIndex, bundle name failed, ret:%{public}d", uid, code);
-        return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED,
-                           "get uid, bundle name, appIndex fail:" + std::to_string(code));
     }
     rsp = PushAccountHelper::GetOsAccountLocalIdFromUid(uid, info.userId);
     if (!rsp.Succeed()) {
@@ -93,10 +70,9 @@ PushBaseRsp PushBundleHelper::IsAppRunning(const std::string& bundleName, const 
     isRunning = false;
     std::vector<RunningProcessInfo> processes;
     PushBaseRsp rsp =
-        QueryRunningProcesses(bundleName, userId,
-                              {"Get app mgr fail :%{public}s", "Get running process info fail: :%{public}d",
-                               "check if app running, get running process info fail: %d"},
-                              processes);
+        QueryRunningProcesses(bundleName, userId, InfoFormat("Get app mgr fail :%{public}s"),
+                              CodeFormat("Get running process info fail: :%{public}d"),
+                              CodeFormat("check if app running, get running process info fail: %d"), processes);
     if (!rsp.Succeed()) {
         return rsp;
     }
@@ -124,10 +100,9 @@ PushBaseRsp PushBundleHelper::IsRemoteForegrounding(const ClientUserInfo& info, 
     isForeground = false;
     std::vector<RunningProcessInfo> processes;
     PushBaseRsp rsp =
-        QueryRunningProcesses(info.bundleName, info.userId,
-                              {"Get App Mgr", "check if app foreground, get running process info fail: %{public}d",
-                               "check if app foreground, get running process info fail: %d"},
-                              processes);
+        QueryRunningProcesses(info.bundleName, info.userId, "Get App Mgr",
+                              CodeFormat("check if app foreground, get running process info fail: %{public}d"),
+                              CodeFormat("check if app foreground, get running process info fail: %d"), processes);
     if (!rsp.Succeed()) {
         return rsp;
     }
@@ -142,9 +117,9 @@ PushBaseRsp PushBundleHelper::IsRemoteForegrounding(const ClientUserInfo& info, 
             }
             break;
         }
-        if (!isExtension && process.processType == ProcessType::NORMAL) {
-            pid = process.pid;
-        } else if (isExtension && IsExtensionOf(process, ExtensionAbilityType::REMOTE_NOTIFICATION)) {
+        bool candidate = isExtension ? IsExtensionOf(process, ExtensionAbilityType::REMOTE_NOTIFICATION)
+                                     : process.processType == ProcessType::NORMAL;
+        if (candidate) {
             pid = process.pid;
         }
     }
@@ -156,11 +131,9 @@ PushBaseRsp PushBundleHelper::GetChildProcessPid(const std::string& bundleName, 
 {
     pid = NO_PID;
     std::vector<RunningProcessInfo> processes;
-    PushBaseRsp rsp =
-        QueryRunningProcesses(bundleName, userId,
-                              {"Get App Mgr", "check if child pid, get running process info fail: %{public}d",
-                               "check if child pid, get running process info fail: %d"},
-                              processes);
+    PushBaseRsp rsp = QueryRunningProcesses(
+        bundleName, userId, "Get App Mgr", CodeFormat("check if child pid, get running process info fail: %{public}d"),
+        CodeFormat("check if child pid, get running process info fail: %d"), processes);
     if (!rsp.Succeed()) {
         return rsp;
     }
@@ -178,11 +151,9 @@ PushBaseRsp PushBundleHelper::GetParentProcessPid(const std::string& bundleName,
 {
     pid = NO_PID;
     std::vector<RunningProcessInfo> processes;
-    PushBaseRsp rsp =
-        QueryRunningProcesses(bundleName, userId,
-                              {"Get App Mgr", "check if parent pid, get running process info fail: %{public}d",
-                               "check if parent pid, get running process info fail: %d"},
-                              processes);
+    PushBaseRsp rsp = QueryRunningProcesses(
+        bundleName, userId, "Get App Mgr", CodeFormat("check if parent pid, get running process info fail: %{public}d"),
+        CodeFormat("check if parent pid, get running process info fail: %d"), processes);
     if (!rsp.Succeed()) {
         return rsp;
     }
@@ -226,10 +197,9 @@ PushBaseRsp PushBundleHelper::GetAppProcessState(const ProcessInfo& info, int& s
     flags = 0;
     std::vector<RunningProcessInfo> processes;
     PushBaseRsp rsp =
-        QueryRunningProcesses(info.bundleName, info.userId,
-                              {"Get App Mgr Fail", "get app process state, get running process info fail: %{public}d",
-                               "get app process state, get running process info fail: %d"},
-                              processes);
+        QueryRunningProcesses(info.bundleName, info.userId, "Get App Mgr Fail",
+                              CodeFormat("get app process state, get running process info fail: %{public}d"),
+                              CodeFormat("get app process state, get running process info fail: %d"), processes);
     if (!rsp.Succeed()) {
         return rsp;
     }

@@ -13,7 +13,6 @@
 
 namespace Kavo::Push {
 
-using MiscServices::ITimerInfo;
 using MiscServices::TimeServiceClient;
 
 namespace {
@@ -22,14 +21,14 @@ constexpr int TIME_SERVICE_ABILITY_ID = 3702;
 constexpr int64_t MS_PER_SECOND = 1000;
 constexpr int64_t US_PER_MS = 1000;
 
-// The texts of one operation on an existing timer.
+// The texts of one operation on an existing timer, set one per line at its call site.
 struct TimerOpTexts {
-    const char* nullInfoLog;  // logged and reported
-    const char* nullInfoDesc;
-    const char* noClientLog;
-    const char* refusedLog;
-    const char* refusedApiName;
-    const char* refusedDesc;
+    const char* nullInfoLog = nullptr;  // logged and reported
+    const char* nullInfoDesc = nullptr;
+    const char* noClientLog = nullptr;
+    const char* refusedLog = nullptr;
+    const char* refusedApiName = nullptr;  // of the analytics event
+    const char* refusedDesc = nullptr;
 };
 
 void AddTimerEvent(const std::string& apiName, const std::string& detail)
@@ -113,32 +112,45 @@ PushBaseRsp PushTimerHelper::StartNewTimer(const std::shared_ptr<PushTimerInfo>&
 
 PushBaseRsp PushTimerHelper::StopTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)
 {
-    return RunTimerOp(
-        timerInfo,
-        {"StopTimer: currTimerInfo is nullptr", "Current Timer of PushTimerHelper::StopTimer is Null",
-         "StopTimer: Get System Timer is Null", "StopTimer: Stop Timer Failed", "StopTimer", "Stop timer failed"},
-        [](TimeServiceClient& client, PushTimerInfo& info) { return client.StopTimer(info.GetTimerId()); });
+    TimerOpTexts texts;
+    texts.nullInfoLog = "StopTimer: currTimerInfo is nullptr";
+    texts.nullInfoDesc = "Current Timer of PushTimerHelper::StopTimer is Null";
+    texts.noClientLog = "StopTimer: Get System Timer is Null";
+    texts.refusedLog = "StopTimer: Stop Timer Failed";
+    texts.refusedApiName = "StopTimer";
+    texts.refusedDesc = "Stop timer failed";
+    return RunTimerOp(timerInfo, texts, [](TimeServiceClient& client, PushTimerInfo& info) {
+        return client.StopTimer(info.GetTimerId());
+    });
 }
 
 PushBaseRsp PushTimerHelper::DestoryTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)
 {
-    return RunTimerOp(
-        timerInfo,
-        {"DestoryTimer: currTimerInfo is nullptr", "current timer is null", "DestoryTimer: Get System Timer is Null",
-         "DestoryTimer: Destroy Timer Failed", "DestroyTimer", "Destroy timer failed"},
-        [](TimeServiceClient& client, PushTimerInfo& info) { return client.DestroyTimer(info.GetTimerId()); });
+    TimerOpTexts texts;
+    texts.nullInfoLog = "DestoryTimer: currTimerInfo is nullptr";
+    texts.nullInfoDesc = "current timer is null";
+    texts.noClientLog = "DestoryTimer: Get System Timer is Null";
+    texts.refusedLog = "DestoryTimer: Destroy Timer Failed";
+    texts.refusedApiName = "DestroyTimer";
+    texts.refusedDesc = "Destroy timer failed";
+    return RunTimerOp(timerInfo, texts, [](TimeServiceClient& client, PushTimerInfo& info) {
+        return client.DestroyTimer(info.GetTimerId());
+    });
 }
 
 PushBaseRsp PushTimerHelper::RestartTimer(const std::shared_ptr<PushTimerInfo>& timerInfo)
 {
-    // A null timer is reported with the text that names StopTimer, as the service expects.
-    return RunTimerOp(timerInfo,
-                      {"RestartTimer: currTimerInfo is nullptr", "Current Timer of PushTimerHelper::StopTimer is Null",
-                       "RestartTimer: Get System Timer is Null", "RestartTimer: ReStart Timer Failed", "StartTimer",
-                       "ReStart Timer failed"},
-                      [](TimeServiceClient& client, PushTimerInfo& info) {
-                          return client.StartTimer(info.GetTimerId(), TriggerTimeMs(info));
-                      });
+    TimerOpTexts texts;
+    texts.nullInfoLog = "RestartTimer: currTimerInfo is nullptr";
+    // Names StopTimer: kept letter for letter.
+    texts.nullInfoDesc = "Current Timer of PushTimerHelper::StopTimer is Null";
+    texts.noClientLog = "RestartTimer: Get System Timer is Null";
+    texts.refusedLog = "RestartTimer: ReStart Timer Failed";
+    texts.refusedApiName = "StartTimer";
+    texts.refusedDesc = "ReStart Timer failed";
+    return RunTimerOp(timerInfo, texts, [](TimeServiceClient& client, PushTimerInfo& info) {
+        return client.StartTimer(info.GetTimerId(), TriggerTimeMs(info));
+    });
 }
 
 int64_t PushTimerHelper::GetTimestampMs()

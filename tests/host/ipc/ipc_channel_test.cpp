@@ -85,8 +85,7 @@ struct Channel : testing::Test {
     }
     static int Served(Kavo::IpcServer& server)  // one end of a pair whose other end `server` serves
     {
-        int mine = -1;
-        int theirs = -1;
+        int mine = -1, theirs = -1;
         return Kavo::MakeIpcSocketPair(mine, theirs) && server.Serve(theirs) ? mine : -1;
     }
     // Open descriptors ("fd") or threads ("task"); waits up to 2 s for `expected`, as threads leave late.
@@ -103,9 +102,8 @@ struct Channel : testing::Test {
     // One transaction: the first word of the reply, or minus the failure.
     static int32_t Call(IpcClient& client, Op op)
     {
-        Parcel request;
+        Parcel request, reply;
         request.WriteInt32(op);
-        Parcel reply;
         IpcResult result = client.Transact(request, reply, 2000ms);
         return result == IpcResult::OK ? reply.ReadInt32() : -static_cast<int32_t>(result);
     }
@@ -138,8 +136,7 @@ TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTh
         {"half a frame then silence outlives the deadline", cut, false, 64, IpcResult::DEADLINE_PASSED},
     };
     for (const auto& c : cases) {
-        int clientFd = -1;
-        int peerFd = -1;
+        int clientFd = -1, peerFd = -1;
         ASSERT_TRUE(Kavo::MakeIpcSocketPair(clientFd, peerFd));
         IpcClient client(clientFd);
         Parcel request;
@@ -276,9 +273,8 @@ TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothi
     auto behave = [&](int atMost) {
         IpcClient client(Served(server));
         for (int i = 0; i < atMost && flooding; ++i, std::this_thread::sleep_for(200us)) {
-            Parcel request;
+            Parcel request, reply;
             request.WriteBuffer(real.data(), real.size());
-            Parcel reply;
             good[client.Transact(request, reply, 2s) != IpcResult::OK || reply.ReadString() != "com.example.push"]++;
         }
     };

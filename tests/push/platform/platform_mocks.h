@@ -31,10 +31,24 @@ using ::testing::DoAll;
 using ::testing::Return;
 using ::testing::SetArgReferee;
 
-inline bool HasLine(const Kavo::LogCapture& cap, const std::string& text)
+// Whether `cap` holds the line `text` at `level`: nearly every line of the queries is an error line.
+inline bool HasLine(const Kavo::LogCapture& cap, const std::string& text, Kavo::LogLevel level = Kavo::LEVEL_ERROR)
 {
-    const auto texts = cap.Texts();
-    return std::find(texts.begin(), texts.end(), text) != texts.end();
+    const auto lines = cap.Lines();
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const Kavo::LogLine& line) { return line.level == level && line.text == text; });
+}
+
+// The lines of `cap` from info level up, each as "<level letter> <text>".
+inline std::vector<std::string> Lines(const Kavo::LogCapture& cap)
+{
+    std::vector<std::string> out;
+    for (const auto& line : cap.Lines()) {
+        if (line.level >= Kavo::LEVEL_INFO) {
+            out.push_back("???DIWEF"[line.level] + (" " + line.text));
+        }
+    }
+    return out;
 }
 
 class MockBundleMgr : public IBundleMgr {
@@ -132,15 +146,12 @@ private:
 };
 
 // The readiness registry, empty (every service UNKNOWN: no waiting) for the scope unless a test
-// tracks services, and a short poll so that waits stay fast.
+// tracks services. A wait lasts whole seconds, so tests track a service as started before the
+// call, or announce it from the first attempt.
 class ScopedReadiness {
 public:
     using Service = Kavo::Push::SystemAbilityStatusService;
-    ScopedReadiness()
-    {
-        Clear();
-        Service::SetPollIntervalForTesting(5);
-    }
+    ScopedReadiness() { Clear(); }
     ~ScopedReadiness() { Clear(); }
     void Track(int id, Service::Status status)
     {

@@ -21,17 +21,18 @@ using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushDistributeAccountHelper;
 using Status = Kavo::Push::SystemAbilityStatusService;
 using Code = std::function<int32_t()>;
+using Texts = std::vector<std::string>;
 
 constexpr int32_t NOT_REACHED = 4194321;
 constexpr int ACCOUNT = 200;
 
 // One retried operation: its platform call made to answer `code`, and its texts.
 struct RetriedOp {
-    const char* name;
     std::function<void(MockAccountService&, Code)> expectCall;
     std::function<PushBaseRsp()> act;
-    const char* eventApi;                       // null: no analytics event while waiting
-    std::string notStarted, failDesc, failLog;  // the last two for code 2; no log: the description
+    const char* eventApi;  // null: no analytics event on a failure code
+    std::string notStarted, failDesc;
+    Texts failLines;  // for code 2
 };
 
 std::vector<RetriedOp> RetriedOps()
@@ -40,34 +41,34 @@ std::vector<RetriedOp> RetriedOps()
     static int localId = 0;
     static bool verified = false;
     return {
-        {"QueryActiveOsAccountIds",
-         [](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
+        {[](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::QueryActiveOsAccountIds(ids); }, "QueryActiveOsAccountIds",
-         "query active os accountIds fail: account sa not started", "query active accountId fail: 2", ""},
-        {"GetForegroundOsAccounts",
-         [](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
+         "query active os accountIds fail: account sa not started", "query active accountId fail: 2",
+         Texts{"E query active accountId fail: 2"}},
+        {[](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::GetForegroundOsAccounts(ids); }, nullptr,
-         "getForegroundOsAccounts fail: account sa not started", "get foreground accountId failed 2", ""},
-        {"GetForegroundOsAccountLocalId",
-         [](auto& m, Code code) {
+         "getForegroundOsAccounts fail: account sa not started", "get foreground accountId failed 2",
+         Texts{"E Call GetForegroundOsAccounts failed 2", "E get foreground accountId failed 2"}},
+        {[](auto& m, Code code) {
              auto answer = [code](int& id) { return id = 101, code(); };
              EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(answer);
          },
          [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); }, "GetForegroundOsAccountLocalId",
          "GetForegroundOsAccountLocalId fail: current userId not obtain",
-         "the os account verifie fail: 2, localId: 101", "GetForegroundOsAccountLocalId retry failed: 2, localId: 101"},
-        {"IsOsAccountVerified",
-         [](auto& m, Code code) {
+         "the os account verifie fail: 2, localId: 101",
+         Texts{"E GetForegroundOsAccountLocalId failed: 2, localId: 101",
+               "E GetForegroundOsAccountLocalId retry failed: 2, localId: 101"}},
+        {[](auto& m, Code code) {
              EXPECT_CALL(m, GetForegroundOsAccountLocalId(_)).WillRepeatedly(DoAll(SetArgReferee<0>(100), Return(0)));
              EXPECT_CALL(m, IsOsAccountVerified(100, _)).WillRepeatedly(code);
          },
          [] { return PushAccountHelper::IsOsAccountVerified(verified); }, "IsOsAccountVerified",
          "isOsAccountVerified fail: account sa not started", "the os account verifie fail: 2, userId: 100",
-         "isOsAccountVerified retry failed: 2, userId: 100"},
-        {"GetCurrAccountId",
-         [](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
+         Texts{"E isOsAccountVerified failed: 2, userId: 100", "E isOsAccountVerified retry failed: 2, userId: 100"}},
+        {[](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
          [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); }, nullptr,
-         "get os account localId fail: account sa not started", "Get os accountId failed", ""},
+         "get os account localId fail: account sa not started", "Get os accountId failed",
+         Texts{"E Get os accountId failed"}},
     };
 }
 
@@ -78,61 +79,68 @@ protected:
     Kavo::LogCapture cap_;
 };
 
+// Every operation runs the retried skeleton: a failure code is neither retried nor waited for;
+// a service that answers "not reached" is returned at once while readiness is unknown, and is
+// the call's own failure once the account service is tracked as started.
 TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
 {
     for (const auto& op : RetriedOps()) {
-        SCOPED_TRACE(op.name);
-        Status::SetPollIntervalForTesting(20);  // ten polls: a 200 ms window for the announcement
-        {  // not reached while stopped, announced three polls later: asked again, succeeds
-            ScopedAccountService service{ACCOUNT};
-            readiness_.Track(ACCOUNT, Status::STOPPED);
-            int runs = 0;
-            std::thread announcer;
-            op.expectCall(*service, [&runs, &announcer]() {
-                if (++runs > 1) {
-                    return 0;
-                }
-                announcer = std::thread([] {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(60));
-                    Status::SetStatus(ACCOUNT, Status::STARTED);
-                });
-                return NOT_REACHED;
-            });
-            events_.Take();
-            EXPECT_TRUE(op.act().Succeed());
-            announcer.join();
-            EXPECT_EQ(runs, 2);
-            EXPECT_EQ(events_.Take(), (op.eventApi ? Events{{35, op.eventApi, 1, "4194321"}} : Events{}));
-        }
-        {  // another code is not retried, even for a stopped service, and keeps its number
+        SCOPED_TRACE(op.notStarted);
+        {
             ScopedAccountService service{ACCOUNT};
             readiness_.Track(ACCOUNT, Status::STOPPED);
             int runs = 0;
             op.expectCall(*service, [&runs]() { return ++runs, 2; });
             cap_.Clear();
+            events_.Take();
             PushBaseRsp rsp = op.act();
             EXPECT_EQ(std::make_tuple(runs, int(rsp.GetErr()), rsp.GetErrDescription()),
                       std::make_tuple(1, 1000900001, op.failDesc));
-            EXPECT_TRUE(HasLine(cap_, op.failLog.empty() ? op.failDesc : op.failLog));
+            EXPECT_EQ(Lines(cap_), op.failLines);
+            EXPECT_EQ(events_.Take(), (op.eventApi ? Events{{35, op.eventApi, 1, "2"}} : Events{}));
         }
-        // No service: at once while readiness is unknown, after the wait once it is tracked as stopped.
-        for (int inner : {int(PushBaseRsp::NOT_SET), int(Kavo::Push::INNER_ERR_SA_STOPPED)}) {
+        for (auto status : {Status::UNKNOWN, Status::STARTED}) {
             ScopedReadiness readiness;
-            if (inner != PushBaseRsp::NOT_SET) {
-                readiness.Track(ACCOUNT, Status::STOPPED);
+            ScopedAccountService service{ACCOUNT};
+            if (status == Status::STARTED) {
+                readiness.Track(ACCOUNT, status);
             }
+            op.expectCall(*service, [] { return NOT_REACHED; });
             cap_.Clear();
             PushBaseRsp rsp = op.act();
-            if (std::string(op.name) == "IsOsAccountVerified") {  // no foreground id: counts as verified
-                EXPECT_EQ(rsp.GetErr(), -1);
-                EXPECT_THAT(rsp.GetErrDescription(), ::testing::HasSubstr(RetriedOps()[2].notStarted));
-                continue;
-            }
+            int inner = status == Status::STARTED ? Kavo::Push::INNER_ERR_SA_INVOKE_FAILED : PushBaseRsp::NOT_SET;
             EXPECT_EQ(std::make_tuple(int(rsp.GetErr()), rsp.GetErrDescription(), rsp.GetInnerErr()),
                       std::make_tuple(1000900001, op.notStarted, inner));
             EXPECT_TRUE(HasLine(cap_, op.notStarted));
+            EXPECT_EQ(HasLine(cap_, "Task for ability:200 is started"), status == Status::STARTED);
         }
     }
+}
+
+// The one real wait: the first attempt does not reach the stopped service, which is announced
+// half a poll later, so the query asks again after its first poll.
+TEST_F(AccountQueryTest, ServiceAnnouncedDuringTheWaitIsAskedAgain)
+{
+    ScopedAccountService service{ACCOUNT};
+    readiness_.Track(ACCOUNT, Status::STOPPED);
+    std::thread announcer;
+    int runs = 0;
+    EXPECT_CALL(*service, GetForegroundOsAccountLocalId(_)).Times(2).WillRepeatedly([&](int& id) {
+        id = 100 + runs;
+        if (++runs > 1) {
+            return 0;
+        }
+        announcer = std::thread([] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+            Status::SetStatus(ACCOUNT, Status::STARTED);
+        });
+        return NOT_REACHED;
+    });
+    int localId = 0;
+    EXPECT_TRUE(PushAccountHelper::GetForegroundOsAccountLocalId(localId).Succeed());
+    announcer.join();
+    EXPECT_EQ(localId, 101);
+    EXPECT_EQ(events_.Take(), (Events{{35, "GetForegroundOsAccountLocalId", 1, "4194321"}}));
 }
 
 TEST_F(AccountQueryTest, UnverifiableForegroundAccountCountsAsVerified)

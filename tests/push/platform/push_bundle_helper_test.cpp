@@ -18,23 +18,28 @@ namespace {
 
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushBundleHelper;
-using S = AppProcessState;
 using T = ExtensionAbilityType;
 
 constexpr int USER = 100, UID = 20010042, OTHER = 20010077;
 constexpr int32_t BUNDLE_ID = 401, APP_ID = 501;
 const std::string MAIL = "com.example.mail";
 
-RunningProcessInfo P(int pid, int uid, S state, ProcessType type = ProcessType::NORMAL, T ext = T::UNSPECIFIED)
+constexpr auto READY = AppProcessState::APP_STATE_READY, FOREGROUND = AppProcessState::APP_STATE_FOREGROUND;
+constexpr auto FOCUS = AppProcessState::APP_STATE_FOCUS, BACKGROUND = AppProcessState::APP_STATE_BACKGROUND;
+
+RunningProcessInfo Process(int pid, int uid, AppProcessState state, ProcessType type = ProcessType::NORMAL,
+                           T ext = T::UNSPECIFIED)
 {
     RunningProcessInfo p;
     p.pid = pid, p.uid = uid, p.state = state, p.processType = type, p.extensionType = ext;
     return p;
 }
 
-RunningProcessInfo E(int pid, int uid, S state, T ext)
+using Processes = std::vector<RunningProcessInfo>;
+
+RunningProcessInfo Extension(int pid, int uid, AppProcessState state, T ext)
 {
-    return P(pid, uid, state, ProcessType::EXTENSION, ext);
+    return Process(pid, uid, state, ProcessType::EXTENSION, ext);
 }
 
 // What a missing manager adds: the lookup's text and the two lines logged on the way.
@@ -69,115 +74,106 @@ protected:
     BundleInfo bundle_;
     Kavo::Push::ClientUserInfo caller_;
     std::string name_;
-    int value_ = 0, pid_ = 0, state_ = 0;
+    int uid_ = 0, pid_ = 0, state_ = 0;
     bool flag_ = false;
     unsigned char flags_ = 0;
 };
 
-// Each query meets its manager answering a failure code, then no manager at all. The log line is
-// the description itself unless a row names another ("" none).
+// Each query meets its manager answering a failure code, then no manager at all.
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
     struct Case {
-        std::function<void()> arrange;
-        std::function<PushBaseRsp()> act;
+        std::function<void()> refuse;  // the manager answers a failure
+        std::function<PushBaseRsp()> query;
         int err;
         std::string desc;
-        const Lookup* mgr;
-        std::string noMgrLog;
-        const char* log = nullptr;
+        std::string line;  // the line logged, when it is not the description itself
+        const Lookup* manager;
+        std::string noManagerLog;  // the query's own line when its manager cannot be had
+        Kavo::LogLevel level = Kavo::LEVEL_ERROR;
     };
+// The manager expectation answering `code` once, and the query as a callable.
+#define BMS_ANSWERS(call, code) [&] { EXPECT_CALL(**bms_, call).WillOnce(Return(code)); }
+#define ASK(call) [&] { return PushBundleHelper::call; }
     auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
-        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(7)); },
-         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, USER, extensions_); }, 1000900002,
-         "query extension fail:7", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _)).WillOnce(Return(-5)); },
-         [&] { return PushBundleHelper::QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_); }, 1000900001,
-         "Query extension ability info failed:-5", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfosV9(_, 0, USER, _)).WillOnce(Return(9)); },
-         [&] { return PushBundleHelper::QueryAbilityInfos(want_, USER, abilities_); }, 1000900001,
-         "Query ability infos failed:9", &BMS, "get bundle mgr fail", "Query Ability InfosV9 Fail"},
-        {[&] { EXPECT_CALL(**bms_, QueryAbilityInfo(_, 4, USER, _)).WillOnce(Return(false)); },
-         [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
-         "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
-        {[&] {
-             EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
-         },
-         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); }, 1000900001,
-         "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
-         [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001, "Get name for uid fail: 8521225",
-         &BMS, "Get Bundle Mgr Fail"},
-        {[&] { EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).WillOnce(Return(-1)); },
-         [&] { return PushBundleHelper::GetUidByBundleName(MAIL, USER, value_, 0); }, 0, "", &BMS,
-         "Get Bundle Mgr Fail", ""},  // an unknown bundle's uid -1 is handed back as a success
-        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(8521220)); },
-         [&] { return PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_); }, -1, "Get RimoBundleInfo, 8521220",
-         &BMS, "GetBundleInfoV9 get bundle mgr fail", "GetBundleInfoV9 failed ret:8521220"},
-        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(20010001, _, _)).WillOnce(Return(12)); },
-         [&] { return PushBundleHelper::GetAppIndex(20010001, value_); }, -1, "get appIndex failed:12", &BMS,
-         "get bundle mgr fail", "Get appIndex faild: 12"},
-        {[&] { EXPECT_CALL(**bms_, IsBundleInstalled(MAIL, USER, 2, _)).WillOnce(Return(5)); },
-         [&] { return PushBundleHelper::GetInstalledStatus(MAIL, USER, 2).first; }, -1, "Get install status failed, 5",
-         &BMS, "get bundle mgr fail", ""},
-        {[&] { EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER)).WillOnce(Return(5)); },
-         [&] { return PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).first; }, -1,
-         "Get install status failed, 5", &BMS, "get bundle mgr fail", ""},
-        {[&] { EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(8521225)); },
-         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, -1,
-         "get uid, bundle name, appIndex fail:8521225", &BMS, "Get BundleMgr failed, ret: 1000900001",
-         "Get uid 20010042, appIndex, bundle name failed, ret:8521225"},
+        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, 0, USER, _), 7),
+         ASK(QueryExtensionAbilityInfos(want_, USER, extensions_)), 1000900002, "query extension fail:7", "", &BMS,
+         "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _), -5),
+         ASK(QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_)), 1000900001,
+         "Query extension ability info failed:-5", "", &BMS, "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(QueryAbilityInfosV9(_, 0, USER, _), 9), ASK(QueryAbilityInfos(want_, USER, abilities_)),
+         1000900001, "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(QueryAbilityInfo(_, 4, USER, _), false), ASK(QueryAbilityInfo(want_, 4, USER, ability_)),
+         1000900001, "query ability info failed", "", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
+        {BMS_ANSWERS(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _), false),
+         ASK(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_)), 1000900001, "Get application info fail",
+         "", &BMS, "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(GetNameForUid(20010001, _), 8521225), ASK(GetNameForUid(20010001, name_)), 1000900001,
+         "Get name for uid fail: 8521225", "", &BMS, "Get Bundle Mgr Fail"},
+        {BMS_ANSWERS(GetUidByBundleName(MAIL, USER, 0), -1), ASK(GetUidByBundleName(MAIL, USER, uid_, 0)), 0, "", "",
+         &BMS, "Get Bundle Mgr Fail"},  // an unknown bundle's uid -1 is handed back as a success
+        {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 8521220), ASK(GetBundleInfoV9(MAIL, USER, bundle_)), -1,
+         "Get RimoBundleInfo, 8521220", "GetBundleInfoV9 failed ret:8521220", &BMS,
+         "GetBundleInfoV9 get bundle mgr fail", Kavo::LEVEL_WARN},
+        {BMS_ANSWERS(GetNameAndIndexForUid(20010001, _, _), 12), ASK(GetAppIndex(20010001, uid_)), -1,
+         "get appIndex failed:12", "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(IsBundleInstalled(MAIL, USER, 2, _), 5), ASK(GetInstalledStatus(MAIL, USER, 2).first), -1,
+         "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 5), ASK(GetInstalledStatusV9(MAIL, USER, uid_).first), -1,
+         "Get install status failed, 5", "GetInstalledStatusV9 failed ret:5", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(GetNameAndIndexForUid(UID, _, _), 8521225), ASK(GetIpcClientUserInfo(caller_)), -1,
+         "get uid, bundle name, appIndex fail:8521225", "Get uid 20010042, appIndex, bundle name failed, ret:8521225",
+         &BMS, "Get BundleMgr failed, ret: 1000900001", Kavo::LEVEL_WARN},
         {[&] {
              EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
              EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
          },
-         [&] { return PushBundleHelper::GetIpcClientUserInfo(caller_); }, 1000900001,
-         "Get accountId local id from uid failed 4194323", &BMS, "Get BundleMgr failed, ret: 1000900001",
-         "Get uid 20010042 userId failed, ret 1000900001"},
-        {processes6, [&] { return PushBundleHelper::IsAppRunning(MAIL, USER, flag_, 0); }, 1000900001,
-         "check if app running, get running process info fail: 6", &AMS, "Get app mgr fail :" + AMS.info,
-         "Get running process info fail: :6"},
-        {processes6,
-         [&] {
-             return PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false);
-         },
-         1000900001, "check if app foreground, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_); }, 1000900001,
-         "check if child pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6, [&] { return PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid_); }, 1000900001,
-         "check if parent pid, get running process info fail: 6", &AMS, "Get App Mgr"},
-        {processes6,
-         [&] {
-             return PushBundleHelper::GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_);
-         },
-         1000900001, "get app process state, get running process info fail: 6", &AMS, "Get App Mgr Fail"},
+         ASK(GetIpcClientUserInfo(caller_)), 1000900001, "Get accountId local id from uid failed 4194323",
+         "Get uid 20010042 userId failed, ret 1000900001", &BMS, "Get BundleMgr failed, ret: 1000900001"},
+        {processes6, ASK(IsAppRunning(MAIL, USER, flag_, 0)), 1000900001,
+         "check if app running, get running process info fail: 6", "Get running process info fail: :6", &AMS,
+         "Get app mgr fail :" + AMS.info},
+        {processes6, ASK(IsRemoteForegrounding({MAIL, USER, 0, UID}, pid_, flag_, false)), 1000900001,
+         "check if app foreground, get running process info fail: 6", "", &AMS, "Get App Mgr"},
+        {processes6, ASK(GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid_)), 1000900001,
+         "check if child pid, get running process info fail: 6", "", &AMS, "Get App Mgr"},
+        {processes6, ASK(GetParentProcessPid(MAIL, USER, UID, pid_)), 1000900001,
+         "check if parent pid, get running process info fail: 6", "", &AMS, "Get App Mgr"},
+        {processes6, ASK(GetAppProcessState({MAIL, USER, 0, ""}, state_, flags_)), 1000900001,
+         "get app process state, get running process info fail: 6", "", &AMS, "Get App Mgr Fail"},
     };
+#undef BMS_ANSWERS
+#undef ASK
     for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);  // the row
+        SCOPED_TRACE(c.desc + " (" + c.noManagerLog + ")");
         bms_.emplace(BUNDLE_ID);
         ams_.emplace(APP_ID);
         cap_.Clear();
-        c.arrange();
-        PushBaseRsp rsp = c.act();
-        EXPECT_EQ(rsp.GetErr(), c.err);
-        EXPECT_EQ(rsp.GetErrDescription(), c.desc);
-        EXPECT_TRUE(c.log == nullptr ? HasLine(cap_, c.desc) : (!*c.log || HasLine(cap_, c.log)));
+        c.refuse();
+        PushBaseRsp rsp = c.query();
+        EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(c.err, c.desc));
+        EXPECT_TRUE(c.err == 0 ? Lines(cap_).empty() : HasLine(cap_, c.line.empty() ? c.desc : c.line, c.level));
         bms_.reset();
         ams_.reset();
         cap_.Clear();
-        EXPECT_EQ(c.act().GetInfo(), c.mgr->info);
-        EXPECT_TRUE(HasLine(cap_, c.mgr->line) && HasLine(cap_, c.mgr->passOn + c.mgr->info) &&
-                    HasLine(cap_, c.noMgrLog));
+        EXPECT_EQ(c.query().GetInfo(), c.manager->info);
+        EXPECT_TRUE(HasLine(cap_, c.manager->line) && HasLine(cap_, c.manager->passOn + c.manager->info) &&
+                    HasLine(cap_, c.noManagerLog));
     }
-    EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, value_).second, -1);
+    EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid_).second, -1);
     EXPECT_EQ(std::make_pair(state_, pid_), std::make_pair(-1, INT_MIN));
     int ret = 3;
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 0, ret).name.empty());
     EXPECT_EQ(ret, 3) << "no manager: the code is left as it was";
     bms_.emplace(BUNDLE_ID);
+    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
+    EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
+    EXPECT_EQ(ret, 8521290) << "a refused clone record hands back the code";
+    EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
     EXPECT_CALL(**bms_, GetNameAndIndexForUid(_, _, _)).WillRepeatedly(Return(12));
-    EXPECT_EQ(PushBundleHelper::GetAppIndex(1, value_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
+    EXPECT_EQ(PushBundleHelper::GetAppIndex(1, uid_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
     EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(caller_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
     // The extension check answers false either way, with an exception report instead of a result.
     ReportRecorder reports;
@@ -189,18 +185,33 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
     EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
     samgr.SetManagerAvailable(true);
     EXPECT_EQ(reports.Reports(),
-              (std::vector<std::pair<int, std::string>>{
+              (ReportRecorder::Reported{
                   {100002017, "get running process information ret(6)"},
                   {100002017, "Get app mgr fail :get app mgr fail: get samgr fail: error(1000900001)"}}));
 }
 
-TEST_F(BundleQueryTest, CloneRecordFailureHandsBackTheCode)
+// The lines that are not errors: the traces of successful queries, and a missing application
+// context's warning.
+TEST_F(BundleQueryTest, TracesAndWarningsKeepTheirLevels)
 {
-    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
-    int ret = 0;
-    EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
-    EXPECT_EQ(ret, 8521290);
-    EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
+    bundle_.uid = UID;
+    EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER))
+        .Times(2)
+        .WillRepeatedly(DoAll(SetArgReferee<2>(bundle_), Return(0)));
+    EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
+    EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(0));
+    EXPECT_TRUE(PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_).Succeed());
+    EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid_).second, 1);
+    EXPECT_TRUE(PushBundleHelper::GetIpcClientUserInfo(caller_).Succeed());
+    EXPECT_EQ(PushBundleHelper::GetCurrBundle(name_).GetErrDescription(), "Get ability context failed");
+    EXPECT_EQ(Lines(cap_),
+              (std::vector<std::string>{"I GetBundleInfoV9 start, bundleName:com.example.mail",
+                                        "I GetBundleInfoV9 end, bundleName:com.example.mail",
+                                        "I GetInstalledStatusV9 start, bundleName:com.example.mail",
+                                        "I GetInstalledStatusV9 bundle is installed, bundleName:com.example.mail",
+                                        "I GetCallingUid uid: 20010042", "I Get clientUserInfo succeed",
+                                        "W Get ability context failed"}));
+    EXPECT_EQ(uid_, UID);
 }
 
 TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
@@ -209,10 +220,7 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
         bool asan, tsan, gwp, hwasan;
         unsigned char flags;
     };
-    const Case cases[] = {{false, false, false, false, 0},
-                          {true, false, false, false, 1},
-                          {false, false, false, true, 8},
-                          {true, true, true, true, 15}};
+    const Case cases[] = {{false, true, true, true, 14}, {true, false, false, false, 1}};
     for (const auto& c : cases) {
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
         app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
@@ -228,7 +236,7 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
     flags_ = 0xff;
     EXPECT_EQ(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).GetErr(), 1000900001);
     EXPECT_EQ(flags_, 0);
-    EXPECT_EQ(PushBundleHelper::GetAppUidForName(MAIL, USER, value_).GetErr(), 1000900001);
+    EXPECT_EQ(PushBundleHelper::GetAppUidForName(MAIL, USER, uid_).GetErr(), 1000900001);
     EXPECT_TRUE(HasLine(cap_, "Get Application Info Fail"));
 }
 
@@ -269,20 +277,16 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 {
     struct Case {
         std::vector<Kavo::AccountSA::ForegroundOsAccount> foreground;
-        int32_t foregroundCode, queryCode;
+        int32_t foregroundCode, queryCode;  // queryCode -1: no query expected
         int err;
         std::string desc, log;
-    };  // queryCode -1: no query expected
+    };
+    const std::string noBrowser =
+        "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)";
     const Case cases[] = {
         {{}, 0, -1, 401, "Ids is empty, unable to get userId", "Ids is empty, unable to get userId"},
         {{}, 3, -1, 1000900001, "get foreground accountId failed 3", "GetForegroundOsAccounts check fail"},
-        {{{101, 0}, {100, 0}},
-         0,
-         8521221,
-         1000900001,
-         "Query ability infos failed:8521221",
-         "No available browsers ,errInfo : Query ability infos failed:8521221: error(1000900001)"},
-    };
+        {{{101, 0}, {100, 0}}, 0, 8521221, 1000900001, "Query ability infos failed:8521221", noBrowser}};
     auto isBrowserWant = [](const Want& w) {
         return w.GetAction() == "kavo.want.action.viewData" && w.HasEntity("entity.system.browsable") &&
                w.GetUriString() == "https://" && w.GetBundle().empty();
@@ -305,31 +309,30 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 
 TEST(BundleTableTest, ExtensionTypeNamesAreExact)
 {
-    const std::pair<const char*, T> cases[] = {
-        {"push", T::PUSH},
-        {"remoteNotification", T::REMOTE_NOTIFICATION},
-        {"remoteLocation", T::REMOTE_LOCATION},
-        {"voip", T::VOIP},
-        {"service", T::SERVICE},
-        {"Push", T::UNSPECIFIED},
-        {"push ", T::UNSPECIFIED},
-    };
+    const std::pair<const char*, T> cases[] = {{"push", T::PUSH},
+                                               {"remoteNotification", T::REMOTE_NOTIFICATION},
+                                               {"remoteLocation", T::REMOTE_LOCATION},
+                                               {"voip", T::VOIP},
+                                               {"service", T::SERVICE},
+                                               {"Push", T::UNSPECIFIED},
+                                               {"push ", T::UNSPECIFIED}};
     for (const auto& [name, type] : cases) {
         EXPECT_EQ(PushBundleHelper::GetExtensionAbilityType(name), type) << "'" << name << "'";
     }
-    EXPECT_TRUE(PushBundleHelper::CheckIsNotClonedApp(0));
-    EXPECT_FALSE(PushBundleHelper::CheckIsNotClonedApp(1));
-    EXPECT_FALSE(PushBundleHelper::CheckIsNotClonedApp(-1));
+    EXPECT_TRUE(PushBundleHelper::CheckIsNotClonedApp(0) && !PushBundleHelper::CheckIsNotClonedApp(1) &&
+                !PushBundleHelper::CheckIsNotClonedApp(-1));
 }
 
-TEST(NoBundleMgrTest, StoppedManagerNoRegistryAndAnotherInterface)
+// The lookup runs through the task runner under the manager's own id: tracked as started, its
+// absence is the call's own failure, returned without a wait.
+TEST(NoBundleMgrTest, StartedButAbsentManagerNoRegistryAndAnotherInterface)
 {
     ScopedReadiness readiness;
-    readiness.Track(BUNDLE_ID, ScopedReadiness::Service::STOPPED);
+    readiness.Track(BUNDLE_ID, ScopedReadiness::Service::STARTED);
     std::string name;
-    PushBaseRsp stopped = PushBundleHelper::GetNameForUid(1, name);
-    EXPECT_EQ(stopped.GetErrDescription(), "get bms fail: bms sa not started");
-    EXPECT_EQ(stopped.GetInnerErr(), Kavo::Push::INNER_ERR_SA_STOPPED);
+    PushBaseRsp absent = PushBundleHelper::GetNameForUid(1, name);
+    EXPECT_EQ(absent.GetErrDescription(), "get bms fail: bms sa not started");
+    EXPECT_EQ(absent.GetInnerErr(), Kavo::Push::INNER_ERR_SA_INVOKE_FAILED);
     auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
     samgr.SetManagerAvailable(false);
     EXPECT_EQ(PushBundleHelper::GetNameForUid(1, name).GetErrDescription(), "get samgr fail");
@@ -340,7 +343,7 @@ TEST(NoBundleMgrTest, StoppedManagerNoRegistryAndAnotherInterface)
     EXPECT_TRUE(HasLine(cap, "IBundleMgr is null"));
 }
 
-enum Query { FOREGROUND, FOREGROUND_EXTENSION, CHILD, PARENT };
+enum Query { FOREGROUND_MAIN, FOREGROUND_EXTENSION, CHILD, PARENT };
 
 // What a pid query hands back: "fg"/"bg" and the pid for the foreground walk, else the pid.
 std::string Ask(Query q)
@@ -359,49 +362,38 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
 {
     struct Case {
         const char* name;
-        std::vector<RunningProcessInfo> list;
+        Processes list;
         Query query;
         std::string expected;
     };
-    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND),
-                                                  P(11, UID, S::APP_STATE_FOREGROUND)};
-    const std::string none = std::to_string(INT_MIN);
+    const Processes bgFg = {Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)};
+    const auto remote = T::REMOTE_NOTIFICATION;
     const Case cases[] = {
-        {"foreground process after a background one", bgFg, FOREGROUND, "fg 11"},
+        {"foreground process after a background one", bgFg, FOREGROUND_MAIN, "fg 11"},
         {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
-        {"focused counts as foreground", {P(12, UID, S::APP_STATE_FOCUS)}, FOREGROUND, "fg 12"},
-        {"other uids are skipped", {P(13, OTHER, S::APP_STATE_FOREGROUND)}, FOREGROUND, "bg -7"},
-        {"the last background main process wins",
-         {P(14, UID, S::APP_STATE_BACKGROUND), P(15, UID, S::APP_STATE_READY)},
-         FOREGROUND,
-         "bg 15"},
+        {"focused counts as foreground", Processes{Process(12, UID, FOCUS)}, FOREGROUND_MAIN, "fg 12"},
+        {"other uids are skipped", Processes{Process(13, OTHER, FOREGROUND)}, FOREGROUND_MAIN, "bg -7"},
+        {"the last background main process wins", Processes{Process(14, UID, BACKGROUND), Process(15, UID, READY)},
+         FOREGROUND_MAIN, "bg 15"},
         {"extension: only the remote-notification one sets the pid",
-         {E(16, UID, S::APP_STATE_BACKGROUND, T::PUSH), E(17, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION),
-          P(18, UID, S::APP_STATE_BACKGROUND)},
-         FOREGROUND_EXTENSION,
-         "bg 17"},
+         Processes{Extension(16, UID, BACKGROUND, T::PUSH), Extension(17, UID, BACKGROUND, remote),
+                   Process(18, UID, BACKGROUND)},
+         FOREGROUND_EXTENSION, "bg 17"},
         {"extension found before a foreground process keeps its pid",
-         {E(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), P(20, UID, S::APP_STATE_FOREGROUND)},
-         FOREGROUND_EXTENSION,
+         Processes{Extension(19, UID, BACKGROUND, remote), Process(20, UID, FOREGROUND)}, FOREGROUND_EXTENSION,
          "fg 19"},
         {"the walk stops at the foreground process",
-         {P(21, UID, S::APP_STATE_FOREGROUND), P(22, UID, S::APP_STATE_BACKGROUND)},
-         FOREGROUND,
-         "fg 21"},
+         Processes{Process(21, UID, FOREGROUND), Process(22, UID, BACKGROUND)}, FOREGROUND_MAIN, "fg 21"},
         {"child: type, extension type and uid must all match",
-         {E(30, OTHER, S::APP_STATE_READY, T::PUSH), E(31, UID, S::APP_STATE_READY, T::VOIP),
-          E(32, UID, S::APP_STATE_READY, T::PUSH), E(33, UID, S::APP_STATE_READY, T::PUSH)},
-         CHILD,
-         "32"},
-        {"child: a normal process is no child",
-         {P(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)},
-         CHILD,
-         none},
+         Processes{Extension(30, OTHER, READY, T::PUSH), Extension(31, UID, READY, T::VOIP),
+                   Extension(32, UID, READY, T::PUSH), Extension(33, UID, READY, T::PUSH)},
+         CHILD, "32"},
+        {"child: a normal process is no child", Processes{Process(34, UID, READY, ProcessType::NORMAL, T::PUSH)}, CHILD,
+         std::to_string(INT_MIN)},
         {"parent: extensions of the uid are passed over",
-         {E(35, UID, S::APP_STATE_READY, T::PUSH), P(36, OTHER, S::APP_STATE_READY), P(37, UID, S::APP_STATE_READY),
-          P(38, UID, S::APP_STATE_READY)},
-         PARENT,
-         "37"},
+         Processes{Extension(35, UID, READY, T::PUSH), Process(36, OTHER, READY), Process(37, UID, READY),
+                   Process(38, UID, READY)},
+         PARENT, "37"},
     };
     for (const auto& c : cases) {
         Answer(c.list);
@@ -415,37 +407,21 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
     // extension name ("" the main process).
     struct Case {
         const char* name;
-        std::vector<RunningProcessInfo> list;
+        Processes list;
         bool running, pushRunning;
         std::string extension;
         int state;
     };
     const Case cases[] = {
-        {"nothing runs: no uid lookup", {}, false, false, "", -1},
-        {"the main process's state",
-         {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)},
-         true,
-         true,
-         "",
-         3},
+        {"nothing runs: no uid lookup", Processes{}, false, false, "", -1},
+        {"the main process's state", Processes{Extension(50, UID, READY, T::PUSH), Process(51, UID, FOCUS)}, true, true,
+         "", 3},
         {"the named extension's state",
-         {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
-         true,
-         false,
-         "voip",
-         4},
-        {"another uid: only its push extension counts",
-         {E(41, OTHER, S::APP_STATE_READY, T::PUSH)},
-         false,
-         true,
-         "",
-         -1},
-        {"an unknown extension name matches nothing",
-         {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)},
-         true,
-         false,
-         "Push",
-         -1},
+         Processes{Process(52, UID, FOREGROUND), Extension(53, UID, BACKGROUND, T::VOIP)}, true, false, "voip", 4},
+        {"another uid: only its push extension counts", Processes{Extension(41, OTHER, READY, T::PUSH)}, false, true,
+         "", -1},
+        {"an unknown extension name matches nothing", Processes{Extension(55, UID, READY, T::REMOTE_NOTIFICATION)},
+         true, false, "Push", -1},
     };
     app_.tsanEnabled = true;
     ON_CALL(**bms_, GetUidByBundleName(MAIL, USER, _)).WillByDefault(Return(UID));

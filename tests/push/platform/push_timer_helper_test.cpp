@@ -17,7 +17,6 @@ using Kavo::MiscServices::TimeServiceClient;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushTimerHelper;
 using Kavo::Push::PushTimerInfo;
-using Reports = std::vector<std::pair<int, std::string>>;
 using Act = PushBaseRsp (*)(const std::shared_ptr<PushTimerInfo>&);
 
 constexpr int TIME_SERVICE = 3702;
@@ -92,7 +91,7 @@ TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
         PushBaseRsp rsp = act(nullptr);
         EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(1000900001, desc));
         EXPECT_EQ(cap_.Texts(), std::vector<std::string>{log});
-        EXPECT_EQ(reports_.Reports(), (Reports{{100002018, log}}));
+        EXPECT_EQ(reports_.Reports(), (ReportRecorder::Reported{{100002018, log}}));
     }
     EXPECT_EQ(events_.Take(), Events{});
 }
@@ -130,7 +129,9 @@ TEST_F(TimerHelperTest, RefusalsAndAMissingClientSendTheirEvents)
     EXPECT_TRUE(reports_.Reports().empty());
 }
 
-TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
+// Creation runs through the task runner of the time service: tracked as started, a refusal is
+// the call's own and is not retried. A missing client creates nothing. The start is never retried.
+TEST_F(TimerHelperTest, CreationGoesThroughTheRunnerStartDoesNot)
 {
     auto timer = std::make_shared<PushTimerInfo>(5);
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
@@ -139,18 +140,24 @@ TEST_F(TimerHelperTest, CreationIsRetriedStartIsNot)
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Create Timer Fail"));
     EXPECT_TRUE(HasLine(cap_, "create timer failed cause time service sa not started :create timer fail: time "
                               "service sa not started: error(1000900001)"));
+    TimeServiceClient::SetClientAvailable(false);
+    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(),
+              "create timer fail: time service sa not started");
+    TimeServiceClient::SetClientAvailable(true);
     EXPECT_EQ(timer->GetTimerId(), 0u);
-    readiness_.Track(TIME_SERVICE, ScopedReadiness::Service::STOPPED);
-    EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
-    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetInnerErr(), Kavo::Push::INNER_ERR_SA_STOPPED);
     readiness_.Track(TIME_SERVICE, ScopedReadiness::Service::STARTED);
+    EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(0));
+    EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetInnerErr(), Kavo::Push::INNER_ERR_SA_INVOKE_FAILED);
+    EXPECT_TRUE(HasLine(cap_, "Task for ability:3702 is started"));
     EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(12));
     EXPECT_CALL(*service_, StartTimer(12, BOOT_MS + 5000)).WillOnce(Return(false));
     EXPECT_EQ(PushTimerHelper::StartNewTimer(timer).GetErrDescription(), "start timer fail");
     EXPECT_EQ(timer->GetTimerId(), 12u) << "the id is kept even when the start is refused";
     EXPECT_TRUE(HasLine(cap_, "StartNewTimer: Start Timer Fail"));
-    EXPECT_EQ(events_.Take(),
-              (Events{{18, "CreateTimer", 1, "0"}, {18, "CreateTimer", 1, "0"}, {18, "StartTimer", 1, "0"}}));
+    EXPECT_EQ(events_.Take(), (Events{{18, "CreateTimer", 1, "0"},
+                                      {18, "CreateTimer", 1, "0"},
+                                      {18, "CreateTimer", 1, "0"},
+                                      {18, "StartTimer", 1, "0"}}));
 }
 
 TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)
@@ -162,7 +169,8 @@ TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)
         EXPECT_EQ(events_.Take(), (answer < 1 ? Events{{18, "GetBootTimeMs", 1, std::to_string(answer)}} : Events{}));
     }
     TimeServiceClient::SetClientAvailable(false);
-    EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), -1) << "no client reads as boot time 0";
+    EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), -1);
+    EXPECT_EQ(events_.Take(), (Events{{18, "GetBootTimeMs", 1, "0"}})) << "no client reads as boot time 0";
 }
 
 }  // namespace

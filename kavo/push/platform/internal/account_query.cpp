@@ -25,8 +25,8 @@ PushBaseRsp RunAccountQuery(const AccountQueryTexts& texts, const std::function<
     auto shownId = [localId]() { return localId == nullptr ? 0 : *localId; };
     PushBaseRsp rsp = SystemAbilityStatusService::DoSystemAbilityTaskWithRetry(ACCOUNT_ABILITY_ID, [&]() {
         code = platformCall();
-        if (code != 0 && texts.taskFailLog != nullptr) {
-            PUSH_LOGE(texts.taskFailLog, code, shownId());
+        if (code != 0 && texts.taskFailLog.text != nullptr) {
+            PUSH_LOGE(texts.taskFailLog.text, code, shownId());
         }
         if (code != 0 && texts.eventApiName != nullptr) {
             TeldricHelper::AddEvent(COMPONENT_ACCOUNT, texts.eventApiName, API_STATUS_FAILURE, std::to_string(code));
@@ -38,12 +38,12 @@ PushBaseRsp RunAccountQuery(const AccountQueryTexts& texts, const std::function<
         return PushBaseRsp(PUSH_SUCCESS);
     });
     if (!rsp.Succeed()) {
-        PUSH_LOGE(texts.retryFailLog, rsp.GetInfo().c_str());
+        PUSH_LOGE(texts.retryFailLog.text, rsp.GetInfo().c_str());
         return rsp;
     }
     if (code != 0) {
-        PUSH_LOGE(texts.failLog, code, shownId());
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, texts.failDesc, code, shownId());
+        PUSH_LOGE(texts.failLog.text, code, shownId());
+        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, texts.failDesc.text, code, shownId());
     }
     return PushBaseRsp();
 }

@@ -8,18 +8,20 @@
 #include <functional>
 
 #include "kavo/push/common/push_base_rsp.h"
+#include "kavo/push/platform/internal/log_format.h"
 
 namespace Kavo::Push::internal {
 
-// The texts of one operation. Formats marked (code, id) take the platform code and the current
-// value of the query's local id; a null text means the operation has no such line.
+// The texts of one operation, set one per line at its call site. Each code-and-id format is
+// given the platform code, then the current value of the query's local id (0 when it has none);
+// a null text means the operation has no such line.
 struct AccountQueryTexts {
-    const char* taskFailLog;     // in the task, on a non-zero code (code, id)
-    const char* eventApiName;    // analytics event on a non-zero code
-    const char* notStartedText;  // log and description when the service cannot be reached
-    const char* retryFailLog;    // the retry wrapper failed: its GetInfo()
-    const char* failLog;         // the platform answered a non-zero code (code, id)
-    const char* failDesc;        // the description of that failure (code, id)
+    CodeAndIdFormat taskFailLog{nullptr};  // in the task, on a non-zero code
+    const char* eventApiName = nullptr;    // analytics event in the task, on a non-zero code
+    const char* notStartedText = nullptr;  // log and description when the service cannot be reached
+    InfoFormat retryFailLog{nullptr};      // the retry wrapper failed
+    CodeAndIdFormat failLog{nullptr};      // the platform answered a non-zero code
+    CodeAndIdFormat failDesc{nullptr};     // the description of that failure
 };
 
 // Runs `platformCall` (which returns the platform code) until the account service answers,

@@ -8,18 +8,19 @@
 #include "kavo/push/common/push_base_rsp.h"
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/common/system_ability_status_service.h"
+#include "kavo/push/platform/internal/log_format.h"
 
 namespace Kavo::Push::internal {
 
-// The texts of one service's lookup. Each "Log" text is a log format, each "Desc" the
-// description of the result; retryFailLog takes the retry result's GetInfo().
+// The texts of one service's lookup, set one per line at its call site. Each "Log" text is
+// logged, each "Desc" text describes the result; the null-proxy text is both.
 struct ServiceProxyTexts {
-    const char* noSamgrLog;
-    const char* noSamgrDesc;
-    const char* notStartedLog;
-    const char* notStartedDesc;
-    const char* retryFailLog;
-    const char* nullProxyText;
+    const char* noSamgrLog = nullptr;
+    const char* noSamgrDesc = nullptr;
+    const char* notStartedLog = nullptr;
+    const char* notStartedDesc = nullptr;
+    InfoFormat retryFailLog{nullptr};  // given the retry wrapper's result
+    const char* nullProxyText = nullptr;
 };
 
 template <typename I>
@@ -40,7 +41,7 @@ PushBaseRsp GetServiceProxy(int abilityId, const ServiceProxyTexts& texts, sptr<
         return PushBaseRsp();
     });
     if (!rsp.Succeed()) {
-        PUSH_LOGE(texts.retryFailLog, rsp.GetInfo().c_str());
+        PUSH_LOGE(texts.retryFailLog.text, rsp.GetInfo().c_str());
         return rsp;
     }
     sptr<I> proxy = iface_cast<I>(remote);
