@@ -113,8 +113,8 @@ PushBaseRsp DcmService::GetCertChain(std::string& challenge, std::vector<std::st
         PUSH_LOGE("GetCertChain: Failed to Get CertChain:ret %{public}d", ret);
         return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Failed to get certChain:ret %d", ret);
     }
-    // The manager never reports more slots than it was given, nor a certificate larger than
-    // its slot; a faulty one that does is refused rather than read past the buffers.
+    // A faulty manager is kept within the buffers: a count past the slots is capped, and a
+    // certificate larger than its slot is refused.
     const uint32_t count = std::min(chain->certsCount, CERT_SLOT_COUNT);
     std::vector<std::string> pems;
     for (uint32_t i = 0; i < count; ++i) {
