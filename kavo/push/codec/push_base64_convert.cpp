@@ -4,6 +4,7 @@
 
 #include <array>
 #include <climits>
+#include <cstring>
 
 #include "kavo/push/codec/internal/bio_base64.h"
 
@@ -31,9 +32,11 @@ constexpr std::array<bool, 256> AlphabetTable()
 
 constexpr std::array<bool, 256> IN_ALPHABET = AlphabetTable();
 
-// The number of '=' at the end when the text is whole groups of the standard alphabet with at
-// most two final '=', else -1. Only such text may bypass the filter chain.
-int CanonicalPadding(const SecureString& text)
+// The number of '=' at the end when the text may be canonical: whole groups, at most two final
+// '=' and none before them, and no character the block decoder would trim from either end.
+// Every other character is checked by the block decoder itself, which refuses all but the
+// alphabet and '='. Any other text is -1.
+int CandidatePadding(const SecureString& text)
 {
     const size_t n = text.size();
     if (n == 0 || n % GROUP_CHARS != 0 || n > static_cast<size_t>(INT_MAX)) {
@@ -41,11 +44,32 @@ int CanonicalPadding(const SecureString& text)
     }
     const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     const size_t padding = bytes[n - 1] != '=' ? 0 : bytes[n - 2] != '=' ? 1 : 2;
-    bool valid = true;
-    for (size_t i = 0; i < n - padding; ++i) {
-        valid &= IN_ALPHABET[bytes[i]];
+    const bool endsClean = IN_ALPHABET[bytes[0]] && (padding > 0 || IN_ALPHABET[bytes[n - 1]]);
+    return endsClean && std::memchr(bytes, '=', n - padding) == nullptr ? static_cast<int>(padding) : -1;
+}
+
+// Each block helper returns its one named result, so it is built in place: SecureString has
+// no move, and a copy would cost a second buffer and a second wipe.
+SecureString EncodeBlock(const unsigned char* data, unsigned int length)
+{
+    SecureString text((length + GROUP_BYTES - 1) / GROUP_BYTES * GROUP_CHARS, '\0');
+    // It also writes a terminating zero, which lands on the string's own terminator.
+    (void)EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), data, static_cast<int>(length));
+    return text;
+}
+
+// The block call yields a zero byte per '=', which is cut off. Text it refuses is not
+// canonical, so the filter chain answers it.
+SecureString DecodeBlock(const SecureString& text, size_t padding)
+{
+    SecureString bytes(text.size() / GROUP_CHARS * GROUP_BYTES, '\0');
+    if (EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
+                        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size())) < 0) {
+        bytes = internal::BioBase64Decode(text);
+    } else {
+        bytes.resize(bytes.size() - padding);
     }
-    return valid ? static_cast<int>(padding) : -1;
+    return bytes;
 }
 
 }  // namespace
@@ -62,25 +86,18 @@ SecureString PushBase64Convert::Base64Encode(const unsigned char* data, unsigned
     if (data == nullptr || length == 0 || length > MAX_BLOCK_INPUT) {
         return internal::BioBase64Encode(data, length);
     }
-    SecureString text((length + GROUP_BYTES - 1) / GROUP_BYTES * GROUP_CHARS, '\0');
-    // It also writes a terminating zero, which lands on the string's own terminator.
-    (void)EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), data, static_cast<int>(length));
-    return text;
+    return EncodeBlock(data, length);
 }
 
-// Canonical text decodes in one block call, which also yields a zero byte per '='; anything
-// else keeps the chain's answer, malformed text included.
+// Canonical text decodes in one block call; anything else keeps the chain's answer, malformed
+// text included.
 SecureString PushBase64Convert::Base64Decode(const SecureString& text)
 {
-    const int padding = CanonicalPadding(text);
+    const int padding = CandidatePadding(text);
     if (padding < 0) {
         return internal::BioBase64Decode(text);
     }
-    SecureString bytes(text.size() / GROUP_CHARS * GROUP_BYTES, '\0');
-    (void)EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
-                          reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    bytes.resize(bytes.size() - static_cast<size_t>(padding));
-    return bytes;
+    return DecodeBlock(text, static_cast<size_t>(padding));
 }
 
 }  // namespace Kavo::Push
