@@ -1,6 +1,8 @@
 // Reads big-endian values at fuzzed offsets and checks each decoder against a byte-by-byte
 // reading: success exactly when the bytes are there, the same value, `out` untouched otherwise.
 // Input: one byte choosing the decoder, one byte of offset, one byte of run length, then data.
+// Offset and length bytes from 0xF0 up stand for SIZE_MAX minus their low four bits, so sums
+// that wrap around are tried too.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -24,6 +26,17 @@ void Check(bool condition)
     }
 }
 
+// Sizes past half the address space never fit data that is held in memory.
+bool Fits(const std::string& data, size_t offset, size_t width)
+{
+    return offset < SIZE_MAX / 2 && width < SIZE_MAX / 2 && data.size() >= offset + width;
+}
+
+size_t Extent(uint8_t byte)
+{
+    return byte < 0xF0 ? byte : SIZE_MAX - (byte & 0x0F);
+}
+
 uint64_t BigEndian(const std::string& data, size_t offset, size_t width)
 {
     uint64_t value = 0;
@@ -38,7 +51,7 @@ void CheckFixed(PushBaseRsp (*decode)(T&, const std::string&, const size_t&), co
 {
     auto out = static_cast<T>(SENTINEL);
     PushBaseRsp rsp = decode(out, data, offset);
-    bool fits = data.size() >= offset + sizeof(T);
+    bool fits = Fits(data, offset, sizeof(T));
     Check(rsp.Succeed() == fits);
     uint64_t expected = fits ? BigEndian(data, offset, sizeof(T)) : static_cast<uint64_t>(static_cast<T>(SENTINEL));
     Check(static_cast<uint64_t>(static_cast<std::make_unsigned_t<T>>(out)) ==
@@ -49,7 +62,7 @@ void CheckRun(const std::string& data, size_t length, size_t offset)
 {
     std::string out = "sentinel";
     PushBaseRsp rsp = ByteDecoder::DecodeAsByte(out, data, length, offset);
-    bool fits = data.size() >= offset + length;
+    bool fits = Fits(data, offset, length);
     Check(rsp.Succeed() == fits);
     Check(out == (fits ? data.substr(offset, length) : "sentinel"));
 }
@@ -61,8 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
     if (size < 3) {
         return 0;
     }
-    const size_t offset = bytes[1];
-    const size_t length = bytes[2];
+    const size_t offset = Extent(bytes[1]);
+    const size_t length = Extent(bytes[2]);
     const std::string data(reinterpret_cast<const char*>(bytes) + 3, size - 3);
     switch (bytes[0] % 9) {
         case 0:

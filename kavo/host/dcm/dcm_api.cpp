@@ -14,6 +14,7 @@ constexpr int32_t NOT_SET = -1;
 std::atomic<int32_t> g_forcedStatus{DCM_SUCCESS};
 std::atomic<int32_t> g_forcedCount{NOT_SET};
 std::atomic<int32_t> g_emptySlot{NOT_SET};
+std::atomic<int32_t> g_oversizedSlot{NOT_SET};
 
 bool BlobValid(const DcmBlob* blob)
 {
@@ -34,7 +35,7 @@ int32_t CheckSlots(const DcmCertChain* chain, const std::vector<Kavo::internal::
     return DCM_SUCCESS;
 }
 
-void ApplyControl(DcmCertChain* chain, uint32_t slots)
+void ApplyControl(DcmCertChain* chain, uint32_t slots, const std::vector<uint32_t>& prepared)
 {
     int32_t count = g_forcedCount.load();
     if (count >= 0) {
@@ -43,6 +44,10 @@ void ApplyControl(DcmCertChain* chain, uint32_t slots)
     int32_t empty = g_emptySlot.load();
     if (empty >= 0 && static_cast<uint32_t>(empty) < slots) {
         chain->certs[empty].size = 0;
+    }
+    int32_t oversized = g_oversizedSlot.load();
+    if (oversized >= 0 && static_cast<uint32_t>(oversized) < slots) {
+        chain->certs[oversized].size = prepared[oversized] + 1;
     }
 }
 
@@ -63,6 +68,10 @@ extern "C" int32_t DcmAttestSecInfo(int32_t type, const DcmBlob* ids, const DcmB
         return DCM_ERR_ISSUE_FAILED;
     }
     const uint32_t slots = chain->certsCount;
+    std::vector<uint32_t> prepared;
+    for (uint32_t i = 0; i < slots; ++i) {
+        prepared.push_back(chain->certs[i].size);
+    }
     const uint32_t filled = std::min(static_cast<uint32_t>(ders.size()), slots);
     int32_t status = CheckSlots(chain, ders, filled);
     if (status != DCM_SUCCESS) {
@@ -73,7 +82,7 @@ extern "C" int32_t DcmAttestSecInfo(int32_t type, const DcmBlob* ids, const DcmB
         chain->certs[i].size = static_cast<uint32_t>(ders[i].size());
     }
     chain->certsCount = filled;
-    ApplyControl(chain, slots);
+    ApplyControl(chain, slots, prepared);
     return DCM_SUCCESS;
 }
 
@@ -92,9 +101,15 @@ extern "C" void DcmHostSetEmptySlot(int32_t slot)
     g_emptySlot.store(slot < 0 ? NOT_SET : slot);
 }
 
+extern "C" void DcmHostSetOversizedSlot(int32_t slot)
+{
+    g_oversizedSlot.store(slot < 0 ? NOT_SET : slot);
+}
+
 extern "C" void DcmHostResetControl(void)
 {
     g_forcedStatus.store(DCM_SUCCESS);
     g_forcedCount.store(NOT_SET);
     g_emptySlot.store(NOT_SET);
+    g_oversizedSlot.store(NOT_SET);
 }

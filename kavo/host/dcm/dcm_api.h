@@ -49,6 +49,9 @@ KAVO_HOST_EXPORT void DcmHostSetStatus(int32_t status);
 KAVO_HOST_EXPORT void DcmHostSetCertCount(int32_t count);
 // After a successful issue this slot's size is set to 0; a negative value turns it off.
 KAVO_HOST_EXPORT void DcmHostSetEmptySlot(int32_t slot);
+// After a successful issue this slot's size is reported one byte larger than the buffer it
+// was given, as a faulty manager would; a negative value turns it off.
+KAVO_HOST_EXPORT void DcmHostSetOversizedSlot(int32_t slot);
 KAVO_HOST_EXPORT void DcmHostResetControl(void);
 
 #ifdef __cplusplus

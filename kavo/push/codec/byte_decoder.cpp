@@ -9,11 +9,11 @@ namespace Kavo::Push {
 
 namespace {
 
-// Every decoder reports the data size and the offset, whatever width it wanted.
-// offset + width is not guarded against overflow.
+// Every decoder reports the data size and the offset, whatever width it wanted. Written so
+// that no offset or width can wrap around and pass.
 bool InRange(const std::string& data, size_t width, size_t offset, PushBaseRsp& rsp)
 {
-    if (data.size() >= offset + width) {
+    if (offset <= data.size() && width <= data.size() - offset) {
         return true;
     }
     PUSH_LOGE("Cannot decode data(%zu) for out of range(%zu)", data.size(), offset);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <memory>
 
 #include "kavo/host/secure/bounded_memory.h"
 #include "kavo/push/codec/push_base64_convert.h"
@@ -24,12 +26,15 @@ void* ZeroedAlloc(size_t size)
     return memory;
 }
 
-// The manager never reports more slots than it was given, and a slot never holds more than
-// its buffer; both are enforced here too, so a faulty manager cannot make us read past them.
+// Frees the chain on every way out, an exception from building the texts included.
+struct ChainFree {
+    void operator()(DcmCertChain* chain) const { DcmService::FreeCertChain(chain); }
+};
+using ChainPtr = std::unique_ptr<DcmCertChain, ChainFree>;
+
 std::string ToPem(const DcmBlob& cert)
 {
-    uint32_t size = std::min(cert.size, DcmService::CERT_SLOT_BYTES);
-    SecureString body = PushBase64Convert::Base64Encode(cert.data, size);
+    SecureString body = PushBase64Convert::Base64Encode(cert.data, cert.size);
     return "-----BEGIN CERTIFICATE-----\n" + body + "\n-----END CERTIFICATE-----";
 }
 
@@ -96,23 +101,31 @@ PushBaseRsp DcmService::GetCertChain(std::string& challenge, std::vector<std::st
 {
     std::vector<uint8_t> scratch(challenge.begin(), challenge.end());
     DcmBlob challengeBlob = {static_cast<uint32_t>(scratch.size()), scratch.empty() ? nullptr : scratch.data()};
-    DcmCertChain* chain = nullptr;
-    if (InitCertChain(&chain) != DCM_OK) {
-        FreeCertChain(chain);
+    DcmCertChain* prepared = nullptr;
+    const int32_t initRet = InitCertChain(&prepared);
+    ChainPtr chain(prepared);
+    if (initRet != DCM_OK) {
         PUSH_LOGE("GetCertChain: Failed to malloc certChain");
         return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Failed to malloc certChain");
     }
-    int32_t ret = AttestDeviceIds(challengeBlob, chain);
+    int32_t ret = AttestDeviceIds(challengeBlob, chain.get());
     if (ret != DCM_OK) {
-        FreeCertChain(chain);
         PUSH_LOGE("GetCertChain: Failed to Get CertChain:ret %{public}d", ret);
         return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Failed to get certChain:ret %d", ret);
     }
-    uint32_t count = std::min(chain->certsCount, CERT_SLOT_COUNT);
+    // A faulty manager is kept within the buffers: a count past the slots is capped, and a
+    // certificate larger than its slot is refused.
+    const uint32_t count = std::min(chain->certsCount, CERT_SLOT_COUNT);
+    std::vector<std::string> pems;
     for (uint32_t i = 0; i < count; ++i) {
-        certChain.push_back(ToPem(chain->certs[i]));
+        const DcmBlob& cert = chain->certs[i];
+        if (cert.size > CERT_SLOT_BYTES) {
+            PUSH_LOGE("GetCertChain: Cert Larger Than Its Slot:size %{public}u", cert.size);
+            return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Cert larger than its slot:size %u", cert.size);
+        }
+        pems.push_back(ToPem(cert));
     }
-    FreeCertChain(chain);
+    certChain.insert(certChain.end(), std::make_move_iterator(pems.begin()), std::make_move_iterator(pems.end()));
     return PushBaseRsp(PUSH_SUCCESS);
 }
 

@@ -32,7 +32,8 @@ public:
     // Attests the "udid" identifier; returns the manager's status unchanged.
     static int32_t AttestDeviceIds(DcmBlob challenge, DcmCertChain* chain);
     // Appends one PEM text per certificate, its Base64 body on a single line and no newline
-    // after the end marker; `certChain` is never cleared.
+    // after the end marker; `certChain` is never cleared. A certificate reported larger than
+    // its slot fails the call, appending nothing.
     static PushBaseRsp GetCertChain(std::string& challenge, std::vector<std::string>& certChain);
 };
 

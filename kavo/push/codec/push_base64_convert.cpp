@@ -1,58 +1,75 @@
 #include "kavo/push/codec/push_base64_convert.h"
 
-#include <openssl/bio.h>
-#include <openssl/buffer.h>
 #include <openssl/evp.h>
 
+#include <array>
 #include <climits>
-#include <vector>
+#include <cstring>
 
-#include "kavo/host/secure/bounded_memory.h"
-#include "kavo/push/event/report_log.h"
+#include "kavo/push/codec/internal/bio_base64.h"
 
 namespace Kavo::Push {
 
 namespace {
 
-// Every failed conversion hands out a copy of this one empty value.
-const SecureString EMPTY_RESULT;
+constexpr size_t GROUP_CHARS = 4;
+constexpr size_t GROUP_BYTES = 3;
+// The block calls count in int: past this input the text would not fit one.
+constexpr unsigned int MAX_BLOCK_INPUT = INT_MAX / GROUP_CHARS * GROUP_BYTES;
 
-// Writes all bytes through the filter chain and returns the memory buffer's contents.
-SecureString EncodeThrough(BIO* b64Bio, BIO* memBio, const unsigned char* data, unsigned int length)
+constexpr std::array<bool, 256> AlphabetTable()
 {
-    BIO_push(b64Bio, memBio);
-    BIO_set_flags(b64Bio, BIO_FLAGS_BASE64_NO_NL);
-    if (BIO_write(b64Bio, data, static_cast<int>(length)) < 1) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Encode error: bio write fail");
-        return EMPTY_RESULT;
+    std::array<bool, 256> table{};
+    for (int c = 'A'; c <= 'Z'; ++c) {
+        table[c] = table[c - 'A' + 'a'] = true;
     }
-    (void)BIO_flush(b64Bio);
-    BUF_MEM* buffer = nullptr;
-    BIO_get_mem_ptr(memBio, &buffer);
-    if (buffer == nullptr) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Encode error: bio get mem ptr fail");
-        return EMPTY_RESULT;
+    for (int c = '0'; c <= '9'; ++c) {
+        table[c] = true;
     }
-    return SecureString(buffer->data, buffer->length);
+    table['+'] = table['/'] = true;
+    return table;
 }
 
-// Reads once, for at most as many bytes as the text has: the decoded data is never longer.
-// The scratch buffer may hold a decoded key, so it is zeroed before it goes back.
-SecureString DecodeThrough(BIO* b64Bio, BIO* memBio, size_t length)
+constexpr std::array<bool, 256> IN_ALPHABET = AlphabetTable();
+
+// The number of '=' at the end when the text may be canonical: whole groups, at most two final
+// '=' and none before them, and no character the block decoder would trim from either end.
+// Every other character is checked by the block decoder itself, which refuses all but the
+// alphabet and '='. Any other text is -1.
+int CandidatePadding(const SecureString& text)
 {
-    std::vector<unsigned char> buffer(length, 0);
-    BIO_push(b64Bio, memBio);
-    BIO_set_flags(b64Bio, BIO_FLAGS_BASE64_NO_NL);
-    size_t readBytes = 0;
-    int ok = BIO_read_ex(b64Bio, buffer.data(), length, &readBytes);
-    SecureString result =
-        ok == 1 ? SecureString(reinterpret_cast<const char*>(buffer.data()), readBytes) : EMPTY_RESULT;
-    (void)Kavo::memset_s(buffer.data(), buffer.size(), 0, buffer.size());
-    if (ok != 1 || readBytes == 0) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Decode error: bio read fail");
-        return EMPTY_RESULT;
+    const size_t n = text.size();
+    if (n == 0 || n % GROUP_CHARS != 0 || n > static_cast<size_t>(INT_MAX)) {
+        return -1;
     }
-    return result;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    const size_t padding = bytes[n - 1] != '=' ? 0 : bytes[n - 2] != '=' ? 1 : 2;
+    const bool endsClean = IN_ALPHABET[bytes[0]] && (padding > 0 || IN_ALPHABET[bytes[n - 1]]);
+    return endsClean && std::memchr(bytes, '=', n - padding) == nullptr ? static_cast<int>(padding) : -1;
+}
+
+// Each block helper returns its one named result, so it is built in place: SecureString has
+// no move, and a copy would cost a second buffer and a second wipe.
+SecureString EncodeBlock(const unsigned char* data, unsigned int length)
+{
+    SecureString text((length + GROUP_BYTES - 1) / GROUP_BYTES * GROUP_CHARS, '\0');
+    // It also writes a terminating zero, which lands on the string's own terminator.
+    (void)EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), data, static_cast<int>(length));
+    return text;
+}
+
+// The block call yields a zero byte per '=', which is cut off. Text it refuses is not
+// canonical, so the filter chain answers it.
+SecureString DecodeBlock(const SecureString& text, size_t padding)
+{
+    SecureString bytes(text.size() / GROUP_CHARS * GROUP_BYTES, '\0');
+    if (EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
+                        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size())) < 0) {
+        bytes = internal::BioBase64Decode(text);
+    } else {
+        bytes.resize(bytes.size() - padding);
+    }
+    return bytes;
 }
 
 }  // namespace
@@ -62,48 +79,25 @@ SecureString PushBase64Convert::Base64Encode(const SecureString& data)
     return Base64Encode(reinterpret_cast<const unsigned char*>(data.data()), static_cast<unsigned int>(data.size()));
 }
 
+// The block encoder writes exactly the text of the no-newline chain; refusals and inputs too
+// large for it go to the chain, which answers them.
 SecureString PushBase64Convert::Base64Encode(const unsigned char* data, unsigned int length)
 {
-    if (data == nullptr || length == 0) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Encode error: invalid input param");
-        return EMPTY_RESULT;
+    if (data == nullptr || length == 0 || length > MAX_BLOCK_INPUT) {
+        return internal::BioBase64Encode(data, length);
     }
-    BIO* memBio = BIO_new(BIO_s_mem());
-    if (memBio == nullptr) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Encode error: memBio is nullptr");
-        return EMPTY_RESULT;
-    }
-    BIO* b64Bio = BIO_new(BIO_f_base64());
-    if (b64Bio == nullptr) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Encode error: b64Bio is nullptr");
-        BIO_free(memBio);
-        return EMPTY_RESULT;
-    }
-    SecureString result = EncodeThrough(b64Bio, memBio, data, length);
-    BIO_free_all(b64Bio);
-    return result;
+    return EncodeBlock(data, length);
 }
 
+// Canonical text decodes in one block call; anything else keeps the chain's answer, malformed
+// text included.
 SecureString PushBase64Convert::Base64Decode(const SecureString& text)
 {
-    if (text.empty() || text.size() > static_cast<size_t>(INT_MAX)) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Decode error: invalid input param");
-        return EMPTY_RESULT;
+    const int padding = CandidatePadding(text);
+    if (padding < 0) {
+        return internal::BioBase64Decode(text);
     }
-    BIO* memBio = BIO_new_mem_buf(text.data(), static_cast<int>(text.size()));
-    if (memBio == nullptr) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Decode error: memBio is nullptr");
-        return EMPTY_RESULT;
-    }
-    BIO* b64Bio = BIO_new(BIO_f_base64());
-    if (b64Bio == nullptr) {
-        PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Base64Decode error: b64Bio is nullptr");
-        BIO_free(memBio);
-        return EMPTY_RESULT;
-    }
-    SecureString result = DecodeThrough(b64Bio, memBio, text.size());
-    BIO_free_all(b64Bio);
-    return result;
+    return DecodeBlock(text, static_cast<size_t>(padding));
 }
 
 }  // namespace Kavo::Push

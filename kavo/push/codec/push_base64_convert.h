@@ -1,5 +1,6 @@
 // PushBase64Convert: standard Base64 (RFC 4648 alphabet, '=' padding) on a single line with
-// no line breaks, through an OpenSSL Base64 filter in front of a memory buffer. A failure
+// no line breaks. Every answer is the one an OpenSSL Base64 filter in front of a memory buffer
+// gives; well-formed input takes OpenSSL's block calls, the rest goes through the filter. A failure
 // returns an empty string after an error log line and an analytics report; the empty result
 // is the only sign the caller gets. Stateless; callable from any thread.
 //

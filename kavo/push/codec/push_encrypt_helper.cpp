@@ -1,13 +1,8 @@
-// The digest uses OpenSSL's low-level SHA-256 context calls, which OpenSSL 3 marks
-// deprecated; they stay, and the warning is silenced for this file alone.
-#define OPENSSL_SUPPRESS_DEPRECATED
-
 #include "kavo/push/codec/push_encrypt_helper.h"
 
 #include <openssl/sha.h>
 
-#include <iomanip>
-#include <sstream>
+#include <utility>
 
 #include "kavo/push/codec/push_base64_convert.h"
 #include "kavo/push/common/push_log.h"
@@ -16,16 +11,15 @@ namespace Kavo::Push {
 
 namespace {
 
-constexpr int HEX_WIDTH = 2;
+constexpr char LOWER_HEX[] = "0123456789abcdef";
+constexpr unsigned int NIBBLE_BITS = 4;
+constexpr unsigned int NIBBLE_MASK = 0x0F;
 
 }  // namespace
 
 void PushEncryptHelper::Sha256(const std::string& data, unsigned char* digest)
 {
-    SHA256_CTX context;
-    SHA256_Init(&context);
-    SHA256_Update(&context, data.data(), data.size());
-    SHA256_Final(digest, &context);
+    (void)SHA256(reinterpret_cast<const unsigned char*>(data.data()), data.size(), digest);
 }
 
 PushBaseRsp PushEncryptHelper::EncryptWithSha256(const std::string& data, std::string& out)
@@ -36,12 +30,12 @@ PushBaseRsp PushEncryptHelper::EncryptWithSha256(const std::string& data, std::s
     }
     unsigned char digest[SHA256_DIGEST_BYTES] = {};
     Sha256(data, digest);
-    std::stringstream stream;
-    stream << std::hex << std::setfill('0');
-    for (unsigned char byte : digest) {
-        stream << std::setw(HEX_WIDTH) << static_cast<unsigned int>(byte);
+    std::string hex(SHA256_DIGEST_BYTES * 2, '0');
+    for (size_t i = 0; i < SHA256_DIGEST_BYTES; ++i) {
+        hex[2 * i] = LOWER_HEX[digest[i] >> NIBBLE_BITS];
+        hex[2 * i + 1] = LOWER_HEX[digest[i] & NIBBLE_MASK];
     }
-    out = stream.str();
+    out = std::move(hex);
     return PushBaseRsp();
 }
 
@@ -53,7 +47,9 @@ PushBaseRsp PushEncryptHelper::EncryptWithSha256Base64(const std::string& data, 
     }
     unsigned char digest[SHA256_DIGEST_BYTES] = {};
     Sha256(data, digest);
-    out = PushBase64Convert::Base64Encode(digest, SHA256_DIGEST_BYTES);
+    // Copied rather than moved out, so the encoded digest's own buffer is wiped.
+    const SecureString encoded = PushBase64Convert::Base64Encode(digest, SHA256_DIGEST_BYTES);
+    out = encoded;
     return PushBaseRsp();
 }
 

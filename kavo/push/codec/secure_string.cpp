@@ -1,14 +1,37 @@
 #include "kavo/push/codec/secure_string.h"
 
+#include <algorithm>
+
 #include "kavo/host/secure/bounded_memory.h"
 
 namespace Kavo::Push {
 
-// Only the current length is wiped; an empty string wipes nothing (memset_s refuses a zero
-// size without touching memory).
+SecureString& SecureString::operator=(const SecureString& other)
+{
+    if (this != &other) {
+        Wipe();
+        std::string::operator=(other);
+    }
+    return *this;
+}
+
 SecureString::~SecureString()
 {
-    (void)Kavo::memset_s(data(), size(), 0, size());
+    Wipe();
+}
+
+// The whole buffer, not just size() bytes: a shorter assignment or a move into a plain string
+// leaves secret bytes past the end. memset_s refuses more than MAX_CHECKED_LENGTH bytes at
+// once, so a larger buffer is wiped a chunk at a time.
+void SecureString::Wipe() noexcept
+{
+    char* cursor = data();
+    for (size_t left = capacity(); left > 0;) {
+        const size_t chunk = std::min(left, Kavo::MAX_CHECKED_LENGTH);
+        (void)Kavo::memset_s(cursor, chunk, 0, chunk);
+        cursor += chunk;
+        left -= chunk;
+    }
 }
 
 }  // namespace Kavo::Push

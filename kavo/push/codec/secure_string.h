@@ -1,9 +1,11 @@
-// SecureString: a byte string for keys, key material, digests and their encodings. Its
-// destructor zeroes the current contents (the first size() bytes) before the storage goes
-// back, with a fill the optimiser cannot remove. Not thread-safe; own it on one thread.
+// SecureString: a byte string for keys, key material, digests and their encodings. Before its
+// storage goes back (when it dies or is assigned) it zeroes the whole buffer, spare capacity
+// included, with a fill the optimiser cannot remove. Not thread-safe; own it on one thread.
 //
-// A SecureString never moves its bytes out: moving one copies it, so the source still wipes
-// its own buffer when it dies.
+// Moving a SecureString into another SecureString copies it, so the source still wipes its own
+// buffer. Moving one into a plain std::string hands the buffer over to a string that never
+// wipes it: copy into plain strings instead (only what stayed behind is wiped then). Growing
+// one (append, reserve) may leave an old buffer unwiped; size it up front.
 #ifndef KAVO_PUSH_CODEC_SECURE_STRING_H
 #define KAVO_PUSH_CODEC_SECURE_STRING_H
 
@@ -23,8 +25,12 @@ public:
     SecureString(const char* data, size_t length) : std::string(data, length) {}
     SecureString(const std::string& other) : std::string(other) {}  // NOLINT: implicit on purpose
     SecureString(const SecureString& other) = default;
-    SecureString& operator=(const SecureString& other) = default;
+    // Wipes the old contents before taking the new ones.
+    SecureString& operator=(const SecureString& other);
     ~SecureString();
+
+private:
+    void Wipe() noexcept;
 };
 
 }  // namespace Kavo::Push

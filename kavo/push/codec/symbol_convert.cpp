@@ -31,10 +31,11 @@ std::string BigEndianStream(T value)
     return out;
 }
 
-// A digit below ':' counts from '0', anything else from 'A'; bytes wrap in 8 bits.
+// A digit below ':' counts from '0', anything else from 'A'; bytes wrap in 8 bits. Compared
+// as unsigned bytes, as on the device, so a byte above 0x7F counts from 'A' on every machine.
 uint8_t DigitValue(char ch)
 {
-    char upper = SymbolConvert::ToUpper(ch);
+    const auto upper = static_cast<uint8_t>(SymbolConvert::ToUpper(ch));
     return upper < ':' ? static_cast<uint8_t>(upper - '0') : static_cast<uint8_t>(upper - 'A' + 10);
 }
 

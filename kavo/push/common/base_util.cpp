@@ -26,6 +26,28 @@ bool AllDigits(std::string const& text)
     return true;
 }
 
+// A pattern without any character that is special in ECMAScript matches itself and nothing
+// else, so searching for it gives the regular expression's matches without compiling one.
+bool IsLiteral(std::string const& pattern)
+{
+    return !pattern.empty() && pattern.find_first_of("\\^$.|?*+()[]{}") == std::string::npos;
+}
+
+// The token iterator's rules: the text before each match, then the rest unless it is empty.
+std::vector<std::string> SplitOnLiteral(std::string const& str, std::string const& separator)
+{
+    std::vector<std::string> tokens;
+    size_t start = 0;
+    for (size_t at = str.find(separator); at != std::string::npos; at = str.find(separator, start)) {
+        tokens.emplace_back(str, start, at - start);
+        start = at + separator.size();
+    }
+    if (start < str.size()) {
+        tokens.emplace_back(str, start);
+    }
+    return tokens;
+}
+
 }  // namespace
 
 PushBaseRsp BaseUtil::DoSystemAbilityApiCallWithRetry(std::function<PushBaseRsp()> const& call, int retryTimes,
@@ -47,6 +69,9 @@ PushBaseRsp BaseUtil::DoSystemAbilityApiCallWithRetry(std::function<PushBaseRsp(
 
 std::vector<std::string> BaseUtil::StringSplit(std::string const& str, std::string const& pattern)
 {
+    if (IsLiteral(pattern)) {
+        return SplitOnLiteral(str, pattern);
+    }
     std::regex separator(pattern);
     // The token iterator yields one empty token for an empty range; an empty text has none.
     if (str.empty()) {

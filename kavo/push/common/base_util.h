@@ -22,8 +22,9 @@ public:
     static PushBaseRsp DoSystemAbilityApiCallWithRetry(std::function<PushBaseRsp()> const& call, int retryTimes,
                                                        int intervalMs);
 
-    // Splits on an ECMAScript regular expression (escape special characters). An empty str
-    // gives no token, a trailing separator no trailing empty token. A bad pattern throws
+    // Splits on an ECMAScript regular expression (escape special characters); a pattern with
+    // no special character is searched as plain text, with the same tokens. An empty str gives
+    // no token, a trailing separator no trailing empty token. A bad pattern throws
     // std::regex_error.
     static std::vector<std::string> StringSplit(std::string const& str, std::string const& pattern);
     // The 31-multiplier string hash, bytes taken as signed chars.
