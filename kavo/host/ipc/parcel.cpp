@@ -12,8 +12,9 @@ namespace Kavo {
 namespace {
 
 constexpr size_t ALIGNMENT = 4;
-// Most records fit in the first allocation; larger ones double from there.
-constexpr size_t INITIAL_CAPACITY = 256;
+// Most records, a notification with its icon included, fit in the first allocation; larger
+// ones double from there.
+constexpr size_t INITIAL_CAPACITY = 2048;
 
 size_t Padded(size_t size)
 {
@@ -56,18 +57,35 @@ uint8_t* Parcel::Append(size_t size)
     }
     const size_t needed = size_ + size;
     if (needed > capacity_) {
-        const size_t grown = std::min(std::max({needed, capacity_ * 2, INITIAL_CAPACITY}), maxCapacity_);
-        // Default-initialised on purpose: the bytes are copied or written before they are read.
-        std::unique_ptr<uint8_t[]> bigger(new uint8_t[grown]);
-        if (size_ != 0) {
-            std::memcpy(bigger.get(), data_.get(), size_);
-        }
-        data_ = std::move(bigger);
-        capacity_ = grown;
+        Grow(needed);
     }
     uint8_t* out = data_.get() + size_;
     size_ = needed;
     return out;
+}
+
+void Parcel::Grow(size_t needed)
+{
+    const size_t grown = std::min(std::max({needed, capacity_ * 2, INITIAL_CAPACITY}), maxCapacity_);
+    // Default-initialised on purpose: the bytes are copied or written before they are read.
+    std::unique_ptr<uint8_t[]> bigger(new uint8_t[grown]);
+    if (size_ != 0) {
+        std::memcpy(bigger.get(), data_.get(), size_);
+    }
+    data_ = std::move(bigger);
+    capacity_ = grown;
+}
+
+template <typename T>
+bool Parcel::WriteFixed(T value)
+{
+    static_assert(sizeof(T) % ALIGNMENT == 0, "a fixed-size item needs no padding");
+    uint8_t* out = Append(sizeof(T));
+    if (out == nullptr) {
+        return false;
+    }
+    std::memcpy(out, &value, sizeof(T));
+    return true;
 }
 
 bool Parcel::WriteRaw(const void* bytes, size_t size)
@@ -95,27 +113,27 @@ bool Parcel::WriteBool(bool value)
 
 bool Parcel::WriteInt32(int32_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteUint32(uint32_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteInt64(int64_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteUint64(uint64_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteDouble(double value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteString(const std::string& value)

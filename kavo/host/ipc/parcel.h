@@ -89,6 +89,9 @@ private:
     // Room for `size` more bytes within the maximum capacity; null (nothing written) when the
     // write would pass it. The bytes it hands out are not initialised: the caller fills them all.
     uint8_t* Append(size_t size);
+    void Grow(size_t needed);
+    template <typename T>
+    bool WriteFixed(T value);
     bool WriteRaw(const void* bytes, size_t size);
     bool ReadRaw(void* bytes, size_t size);
     template <typename T>

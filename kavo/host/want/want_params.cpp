@@ -55,7 +55,7 @@ bool ReadInto(WantParams::Value& out, Reader read)
     if (!read(value)) {
         return false;
     }
-    out = value;
+    out = std::move(value);
     return true;
 }
 
@@ -197,7 +197,9 @@ WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
         if (!parcel.ReadString(key) || !ReadValue(parcel, depth, value)) {
             return nullptr;
         }
-        params->params_[key] = std::move(value);
+        // Keys arrive in order from our own writer, so the end is the right hint; a repeated
+        // key keeps its last value.
+        params->params_.insert_or_assign(params->params_.end(), std::move(key), std::move(value));
     }
     return params.release();
 }
