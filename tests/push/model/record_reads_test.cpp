@@ -149,6 +149,52 @@ TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
     }
 }
 
+// A writer refuses what its reader refuses: the record holding an empty image or parameters
+// nested past the reader's limit fails with its own write text.
+TEST_F(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
+{
+    auto deep = std::make_shared<AAFwk::WantParams>();
+    for (int level = 1; level <= AAFwk::WantParams::MAX_DEPTH; ++level) {
+        AAFwk::WantParams outer;
+        outer.SetParam("n", *deep);
+        *deep = outer;
+    }
+    RemoteNotificationContent emptyIcon;
+    emptyIcon.SetOverlayIcon(std::make_shared<Media::PixelMap>());
+    const std::pair<std::shared_ptr<Parcelable>, const char*> cases[] = {
+        {std::make_shared<RemoteNotificationContent>(emptyIcon),
+         "RemoteNotificationContent::Marshalling: Write OverlayIcon Error"},
+        {std::make_shared<RemoteNotificationResult>(ContentOf(0), deep), "Write wantParams error"},
+        {std::make_shared<VoIPResult>(deep), "Write wantParams error"},
+        {std::make_shared<EntitySetting>(Entity(nullptr, deep)), "Write extraInfo error"},
+    };
+    for (const auto& [record, text] : cases) {
+        Parcel parcel;
+        Watch watch;
+        EXPECT_FALSE(record->Marshalling(parcel)) << text;
+        watch.Expect({text}, text);
+    }
+}
+
+// Copies of a content share its parts; SetContent replaces every part, the content size too.
+TEST_F(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
+{
+    const auto shares = [](const RemoteNotificationContent& a, const RemoteNotificationContent& b) {
+        return a.GetTitle() == b.GetTitle() && a.GetText() == b.GetText() && a.GetOverlayIcon() == b.GetOverlayIcon() &&
+               a.GetBadgeNumber() == b.GetBadgeNumber() && a.GetSetBadgeNumber() == b.GetSetBadgeNumber() &&
+               a.GetWantAgent() == b.GetWantAgent() && a.GetMsgTimePoints() == b.GetMsgTimePoints() &&
+               a.GetContentSize() == b.GetContentSize();
+    };
+    RemoteNotificationContent content = ContentOf(0x7F);
+    content.SetContentSize(500);
+    RemoteNotificationResult result;
+    result.SetContent(content);
+    EXPECT_TRUE(shares(result.GetContent(), content));
+    EXPECT_TRUE(shares(RemoteNotificationContent(content), content));
+    result.SetContent(RemoteNotificationContent());
+    EXPECT_TRUE(shares(result.GetContent(), RemoteNotificationContent())) << "absent parts are set absent";
+}
+
 Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> members)
 {
     Json::Value object(Json::objectValue);
