@@ -176,9 +176,10 @@ public:
         const int32_t width = Bool() ? Int32() : Byte() % 20 - 2;
         const int32_t height = Bool() ? Int32() : Byte() % 20 - 2;
         const auto format = static_cast<Kavo::Media::PixelFormat>(Byte() % 8);
-        const int64_t bytes = int64_t{width} * height * Kavo::Media::BytesPerPixel(format);
-        if (width > 0 && height > 0 && bytes > 0 && bytes <= INT32_MAX && bytes > MAX_IMAGE_BYTES) {
-            return std::make_shared<Kavo::Media::PixelMap>();  // fits, but too big to build here
+        // In a double, so that no product of two 32-bit sizes overflows.
+        const double bytes = static_cast<double>(width) * height * Kavo::Media::BytesPerPixel(format);
+        if (width > 0 && height > 0 && bytes > MAX_IMAGE_BYTES && bytes <= INT32_MAX) {
+            return std::make_shared<Kavo::Media::PixelMap>();  // a valid size, but too big to build here
         }
         auto image = std::make_shared<Kavo::Media::PixelMap>(width, height, format);
         std::vector<uint8_t> pixels(static_cast<size_t>(image->GetByteCount()));
