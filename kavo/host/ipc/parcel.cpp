@@ -151,7 +151,8 @@ bool Parcel::WriteString(const std::string& value)
     auto length = static_cast<int32_t>(value.size());
     std::memcpy(out, &length, sizeof(length));
     if (!value.empty()) {
-        std::memcpy(out + sizeof(length), value.data(), value.size());
+        // The terminator is the first byte of the zeroing below.
+        std::memcpy(out + sizeof(length), value.data(), value.size());  // NOLINT(bugprone-not-null-terminated-result)
     }
     std::memset(out + size, 0, padded - size);
     return true;
