@@ -7,7 +7,8 @@
 #include <memory>
 #include <new>
 
-// The largest allocation asked for since the last reset: a reader checks sizes first. Delete is
+// The largest allocation asked for since the last reset: a reader checks sizes first. Every
+// scalar form is replaced, so each new pairs with its delete (also under a sanitizer); delete is
 // kept out of line so that the compiler does not pair malloc with new.
 namespace {
 size_t largestAllocation = 0;
@@ -20,6 +21,15 @@ void* operator new(std::size_t size)
         return p;
     }
     throw std::bad_alloc();
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return ::operator new(size);
+    } catch (...) {
+        return nullptr;
+    }
 }
 
 [[gnu::noinline]] void operator delete(void* p) noexcept
