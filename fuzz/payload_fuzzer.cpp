@@ -1,8 +1,10 @@
 // Payload records from hostile bytes. The first byte picks the record: payload, extension info
 // or location request; the rest is its parcel. The last two share one parcel form, so whatever
-// one of them decodes the other must decode to the same values.
+// one of them decodes the other must decode to the same values. Each input is also the source
+// of a record of the same kind built from it.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "fuzz/record_fuzz_util.h"
 #include "kavo/push/model/push_extension_info.h"
@@ -13,6 +15,28 @@ using namespace Kavo;
 using namespace Kavo::Push;
 
 namespace {
+
+using RecordFuzz::Source;
+
+PushPayload BuildPayload(Source& in)
+{
+    std::string type = in.String();
+    return PushPayload(type, in.String());
+}
+
+PushExtensionInfo BuildExtensionInfo(Source& in)
+{
+    const int32_t survivalTime = in.Int32();
+    const bool sync = in.Bool();
+    return PushExtensionInfo(survivalTime, sync, BuildPayload(in));
+}
+
+RemoteLocationRequest BuildLocationRequest(Source& in)
+{
+    const int32_t survivalTime = in.Int32();
+    const bool sync = in.Bool();
+    return RemoteLocationRequest(survivalTime, sync, BuildPayload(in));
+}
 
 void CheckSharedForm(const uint8_t* data, size_t size)
 {
@@ -33,7 +57,7 @@ void CheckSharedForm(const uint8_t* data, size_t size)
 
 void CheckExtensionInfo(const uint8_t* data, size_t size)
 {
-    RecordFuzz::CheckRoundTrip<PushExtensionInfo>(data, size);
+    RecordFuzz::CheckDecodedAndBuilt<PushExtensionInfo, BuildExtensionInfo>(data, size);
     CheckSharedForm(data, size);
 }
 
@@ -48,9 +72,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const RecordFuzz::Check checks[] = {
-        RecordFuzz::CheckRoundTrip<PushPayload>,
+        RecordFuzz::CheckDecodedAndBuilt<PushPayload, BuildPayload>,
         CheckExtensionInfo,
-        RecordFuzz::CheckRoundTrip<RemoteLocationRequest>,
+        RecordFuzz::CheckDecodedAndBuilt<RemoteLocationRequest, BuildLocationRequest>,
     };
     return RecordFuzz::Dispatch(data, size, checks);
 }

@@ -3,6 +3,7 @@
 // must also render its JSON form with its own values.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include <json/value.h>
 
@@ -14,6 +15,40 @@ using namespace Kavo;
 using namespace Kavo::Push;
 
 namespace {
+
+using RecordFuzz::Source;
+
+EntitySetting BuildEntity(Source& in)
+{
+    EntitySetting entity;
+    entity.SetEntityId(in.String());
+    entity.SetEntityName(in.String());
+    if (in.Bool()) {
+        entity.SetEnable(std::make_shared<bool>(in.Bool()));
+    }
+    entity.SetEntityType(static_cast<EntityType>(in.Int32()));
+    if (in.Bool()) {
+        entity.SetExtraInfo(in.Params());
+    }
+    return entity;
+}
+
+SubscribeNotificationSetting BuildSubscription(Source& in)
+{
+    SubscribeNotificationSetting setting;
+    setting.SetBundleName(in.String());
+    if (in.Bool()) {
+        setting.SetEnabled(std::make_shared<bool>(in.Bool()));
+    }
+    return setting;
+}
+
+SubscribeNotificationBasicSetting BuildBasic(Source& in)
+{
+    SubscribeNotificationBasicSetting setting;
+    setting.SetEnabled(in.Bool());
+    return setting;
+}
 
 void CheckJson(const uint8_t* data, size_t size)
 {
@@ -37,7 +72,9 @@ void CheckJson(const uint8_t* data, size_t size)
 
 void CheckEntity(const uint8_t* data, size_t size)
 {
-    RecordFuzz::CheckRoundTripWithParams<EntitySetting, &EntitySetting::GetExtraInfo>(data, size);
+    RecordFuzz::CheckDecodedAndBuilt<EntitySetting, BuildEntity,
+                                     RecordFuzz::CheckRoundTripWithParams<EntitySetting, &EntitySetting::GetExtraInfo>>(
+        data, size);
     CheckJson(data, size);
 }
 
@@ -53,8 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const RecordFuzz::Check checks[] = {
         CheckEntity,
-        RecordFuzz::CheckRoundTrip<SubscribeNotificationSetting>,
-        RecordFuzz::CheckRoundTrip<SubscribeNotificationBasicSetting>,
+        RecordFuzz::CheckDecodedAndBuilt<SubscribeNotificationSetting, BuildSubscription>,
+        RecordFuzz::CheckDecodedAndBuilt<SubscribeNotificationBasicSetting, BuildBasic>,
     };
     return RecordFuzz::Dispatch(data, size, checks);
 }

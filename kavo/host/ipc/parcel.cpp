@@ -1,7 +1,9 @@
 #include "kavo/host/ipc/parcel.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "kavo/host/want/want_params.h"
 
@@ -10,6 +12,9 @@ namespace Kavo {
 namespace {
 
 constexpr size_t ALIGNMENT = 4;
+// Most records, a notification with its icon included, fit in the first allocation; larger
+// ones double from there.
+constexpr size_t INITIAL_CAPACITY = 2048;
 
 size_t Padded(size_t size)
 {
@@ -18,26 +23,86 @@ size_t Padded(size_t size)
 
 }  // namespace
 
+Parcel::Parcel(Parcel&& other) noexcept
+    : data_(std::move(other.data_)), size_(std::exchange(other.size_, 0)), capacity_(std::exchange(other.capacity_, 0)),
+      readPos_(std::exchange(other.readPos_, 0)), maxCapacity_(std::exchange(other.maxCapacity_, DEFAULT_MAX_CAPACITY))
+{
+}
+
+Parcel& Parcel::operator=(Parcel&& other) noexcept
+{
+    if (this != &other) {
+        data_ = std::move(other.data_);
+        size_ = std::exchange(other.size_, 0);
+        capacity_ = std::exchange(other.capacity_, 0);
+        readPos_ = std::exchange(other.readPos_, 0);
+        maxCapacity_ = std::exchange(other.maxCapacity_, DEFAULT_MAX_CAPACITY);
+    }
+    return *this;
+}
+
 bool Parcel::SetMaxCapacity(size_t maxCapacity)
 {
-    if (maxCapacity < data_.size()) {
+    if (maxCapacity < size_) {
         return false;
     }
     maxCapacity_ = maxCapacity;
     return true;
 }
 
-bool Parcel::WriteRaw(const void* bytes, size_t size)
+uint8_t* Parcel::Append(size_t size)
 {
-    size_t padded = Padded(size);
-    if (padded < size || padded > maxCapacity_ || data_.size() > maxCapacity_ - padded) {
+    if (size > maxCapacity_ || size_ > maxCapacity_ - size) {
+        return nullptr;
+    }
+    const size_t needed = size_ + size;
+    if (needed > capacity_) {
+        Grow(needed);
+    }
+    uint8_t* out = data_.get() + size_;
+    size_ = needed;
+    return out;
+}
+
+void Parcel::Grow(size_t needed)
+{
+    const size_t grown = std::min(std::max({needed, capacity_ * 2, INITIAL_CAPACITY}), maxCapacity_);
+    // Default-initialised on purpose: the bytes are copied or written before they are read.
+    std::unique_ptr<uint8_t[]> bigger(new uint8_t[grown]);
+    if (size_ != 0) {
+        std::memcpy(bigger.get(), data_.get(), size_);
+    }
+    data_ = std::move(bigger);
+    capacity_ = grown;
+}
+
+template <typename T>
+bool Parcel::WriteFixed(T value)
+{
+    static_assert(sizeof(T) % ALIGNMENT == 0, "a fixed-size item needs no padding");
+    uint8_t* out = Append(sizeof(T));
+    if (out == nullptr) {
         return false;
     }
-    size_t offset = data_.size();
-    data_.resize(offset + padded, 0);
-    if (size != 0) {
-        std::memcpy(data_.data() + offset, bytes, size);
+    std::memcpy(out, &value, sizeof(T));
+    return true;
+}
+
+bool Parcel::WriteRaw(const void* bytes, size_t size)
+{
+    const size_t padded = Padded(size);
+    if (padded < size) {
+        return false;
     }
+    if (padded == 0) {
+        return true;  // nothing to write, and an empty parcel may have no buffer yet
+    }
+    uint8_t* out = Append(padded);
+    if (out == nullptr) {
+        return false;
+    }
+    std::memcpy(out, bytes, size);
+    std::memset(out + size, 0, padded - size);
     return true;
 }
 
@@ -48,27 +113,27 @@ bool Parcel::WriteBool(bool value)
 
 bool Parcel::WriteInt32(int32_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteUint32(uint32_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteInt64(int64_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteUint64(uint64_t value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteDouble(double value)
 {
-    return WriteRaw(&value, sizeof(value));
+    return WriteFixed(value);
 }
 
 bool Parcel::WriteString(const std::string& value)
@@ -77,17 +142,19 @@ bool Parcel::WriteString(const std::string& value)
         return false;
     }
     // Length, bytes and terminator go in as one write, so a failure leaves nothing behind.
-    size_t total = sizeof(int32_t) + value.size() + 1;
-    if (Padded(total) > maxCapacity_ || data_.size() > maxCapacity_ - Padded(total)) {
+    const size_t size = sizeof(int32_t) + value.size();
+    const size_t padded = Padded(size + 1);
+    uint8_t* out = Append(padded);
+    if (out == nullptr) {
         return false;
     }
     auto length = static_cast<int32_t>(value.size());
-    size_t offset = data_.size();
-    data_.resize(offset + Padded(total), 0);
-    std::memcpy(data_.data() + offset, &length, sizeof(length));
+    std::memcpy(out, &length, sizeof(length));
     if (!value.empty()) {
-        std::memcpy(data_.data() + offset + sizeof(length), value.data(), value.size());
+        // The terminator is the first byte of the zeroing below.
+        std::memcpy(out + sizeof(length), value.data(), value.size());  // NOLINT(bugprone-not-null-terminated-result)
     }
+    std::memset(out + size, 0, padded - size);
     return true;
 }
 
@@ -113,7 +180,7 @@ bool Parcel::ReadRaw(void* bytes, size_t size)
     if (padded > GetReadableBytes()) {
         return false;
     }
-    std::memcpy(bytes, data_.data() + readPos_, size);
+    std::memcpy(bytes, data_.get() + readPos_, size);
     readPos_ += padded;
     return true;
 }
@@ -124,7 +191,7 @@ const uint8_t* Parcel::ReadBuffer(size_t size)
     if (padded < size || padded > GetReadableBytes()) {
         return nullptr;
     }
-    const uint8_t* bytes = data_.data() + readPos_;
+    const uint8_t* bytes = data_.get() + readPos_;
     readPos_ += padded;
     return bytes;
 }
@@ -176,7 +243,7 @@ bool Parcel::ReadString(std::string& value)
         readPos_ = start;
         return false;
     }
-    value.assign(reinterpret_cast<const char*>(data_.data() + readPos_), static_cast<size_t>(length));
+    value.assign(reinterpret_cast<const char*>(data_.get() + readPos_), static_cast<size_t>(length));
     readPos_ += Padded(static_cast<size_t>(length) + 1);
     return true;
 }
@@ -226,7 +293,7 @@ std::string Parcel::ReadString()
 
 bool Parcel::RewindRead(size_t position)
 {
-    if (position > data_.size()) {
+    if (position > size_) {
         return false;
     }
     readPos_ = position;
@@ -238,7 +305,14 @@ bool Parcel::ParseFrom(const uint8_t* data, size_t size)
     if ((data == nullptr && size != 0) || size > maxCapacity_) {
         return false;
     }
-    data_.assign(data, data + size);
+    // A new buffer first, so a parcel may be rebuilt from its own bytes.
+    std::unique_ptr<uint8_t[]> bytes(size == 0 ? nullptr : new uint8_t[size]);
+    if (size != 0) {
+        std::memcpy(bytes.get(), data, size);
+    }
+    data_ = std::move(bytes);
+    size_ = size;
+    capacity_ = size;
     readPos_ = 0;
     return true;
 }

@@ -3,7 +3,8 @@
 // write that would pass it writes nothing and returns false. Checked reads (`ReadInt32(v)`)
 // return false and leave the read position untouched when too few bytes remain; value reads
 // (`ReadInt32()`) return 0 / false / "" and do not move. No read allocates more than the data
-// it reads. Not thread-safe: one parcel belongs to one thread at a time. Movable, not copyable.
+// it reads. Not thread-safe: one parcel belongs to one thread at a time. Movable, not copyable;
+// a moved-from parcel is empty.
 //
 //   Parcel parcel;
 //   parcel.WriteInt32(7);
@@ -14,8 +15,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "kavo/host/host_export.h"
 #include "kavo/host/ipc/parcelable.h"
@@ -32,8 +33,8 @@ public:
     static constexpr size_t DEFAULT_MAX_CAPACITY = size_t{1024} * 1024;
 
     Parcel() = default;
-    Parcel(Parcel&&) noexcept = default;
-    Parcel& operator=(Parcel&&) noexcept = default;
+    Parcel(Parcel&& other) noexcept;
+    Parcel& operator=(Parcel&& other) noexcept;
     Parcel(const Parcel&) = delete;
     Parcel& operator=(const Parcel&) = delete;
     ~Parcel() = default;
@@ -73,10 +74,10 @@ public:
     template <typename T>
     sptr<T> ReadStrongParcelable();
 
-    const uint8_t* GetData() const { return data_.data(); }
-    size_t GetDataSize() const { return data_.size(); }
+    const uint8_t* GetData() const { return data_.get(); }
+    size_t GetDataSize() const { return size_; }
     size_t GetReadPosition() const { return readPos_; }
-    size_t GetReadableBytes() const { return data_.size() - readPos_; }
+    size_t GetReadableBytes() const { return size_ - readPos_; }
     bool RewindRead(size_t position);
     size_t GetMaxCapacity() const { return maxCapacity_; }
     // Refused (false) below the data already written.
@@ -85,12 +86,21 @@ public:
     bool ParseFrom(const uint8_t* data, size_t size);
 
 private:
+    // Room for `size` more bytes within the maximum capacity; null (nothing written) when the
+    // write would pass it. The bytes it hands out are not initialised: the caller fills them all.
+    uint8_t* Append(size_t size);
+    void Grow(size_t needed);
+    template <typename T>
+    bool WriteFixed(T value);
     bool WriteRaw(const void* bytes, size_t size);
     bool ReadRaw(void* bytes, size_t size);
     template <typename T>
     T ReadValue();
 
-    std::vector<uint8_t> data_;
+    // Grown geometrically and never value-initialised: every byte below size_ was written.
+    std::unique_ptr<uint8_t[]> data_;
+    size_t size_ = 0;
+    size_t capacity_ = 0;
     size_t readPos_ = 0;
     size_t maxCapacity_ = DEFAULT_MAX_CAPACITY;
 };

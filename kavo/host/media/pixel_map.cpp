@@ -82,6 +82,10 @@ bool PixelMap::operator==(const PixelMap& other) const
 
 bool PixelMap::Marshalling(Parcel& parcel) const
 {
+    // An empty image is refused, as Unmarshalling would refuse it, before anything is written.
+    if (pixels_.empty()) {
+        return false;
+    }
     return parcel.WriteInt32(width_) && parcel.WriteInt32(height_) &&
            parcel.WriteInt32(static_cast<int32_t>(format_)) && parcel.WriteInt32(GetByteCount()) &&
            parcel.WriteBuffer(pixels_.data(), pixels_.size());

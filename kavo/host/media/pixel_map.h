@@ -44,6 +44,7 @@ public:
     bool operator==(const PixelMap& other) const;
     bool operator!=(const PixelMap& other) const { return !(*this == other); }
 
+    // False, writing nothing, for an empty image (byte count 0), which Unmarshalling refuses.
     bool Marshalling(Parcel& parcel) const override;
     // Caller owns the result; null for non-positive sizes, an unknown format, dimensions that
     // overflow, a byte count that does not match, or pixel data that runs past the parcel.

@@ -1,6 +1,7 @@
 #include "kavo/host/want/want_params.h"
 
 #include <new>
+#include <utility>
 
 namespace Kavo::AAFwk {
 
@@ -18,7 +19,10 @@ WantParams::Value DeepCopy(const WantParams::Value& value)
     return value;
 }
 
-bool WriteValue(Parcel& parcel, const WantParams::Value& value)
+}  // namespace
+
+// A nested map is written one level deeper than the map that holds it.
+bool WantParams::WriteValue(Parcel& parcel, const Value& value, int depth)
 {
     switch (value.index()) {
         case 0:
@@ -38,9 +42,11 @@ bool WriteValue(Parcel& parcel, const WantParams::Value& value)
                    parcel.WriteDouble(std::get<double>(value));
         default:
             return parcel.WriteInt32(static_cast<int32_t>(WantValueType::PARAMS)) &&
-                   std::get<std::shared_ptr<WantParams>>(value)->Marshalling(parcel);
+                   std::get<std::shared_ptr<WantParams>>(value)->MarshallingAt(parcel, depth + 1);
     }
 }
+
+namespace {
 
 template <typename T, typename Reader>
 bool ReadInto(WantParams::Value& out, Reader read)
@@ -49,7 +55,7 @@ bool ReadInto(WantParams::Value& out, Reader read)
     if (!read(value)) {
         return false;
     }
-    out = value;
+    out = std::move(value);
     return true;
 }
 
@@ -89,6 +95,17 @@ WantParams::WantParams(const WantParams& other) : RefBase(other), Parcelable(oth
     for (const auto& [key, value] : other.params_) {
         params_.emplace(key, DeepCopy(value));
     }
+}
+
+WantParams::WantParams(WantParams&& other) noexcept
+    : RefBase(other), Parcelable(other), params_(std::move(other.params_))
+{
+}
+
+WantParams& WantParams::operator=(WantParams&& other) noexcept
+{
+    params_ = std::move(other.params_);
+    return *this;
 }
 
 WantParams& WantParams::operator=(const WantParams& other)
@@ -144,11 +161,16 @@ bool WantParams::operator==(const WantParams& other) const
 
 bool WantParams::Marshalling(Parcel& parcel) const
 {
-    if (!parcel.WriteInt32(static_cast<int32_t>(params_.size()))) {
+    return MarshallingAt(parcel, 1);
+}
+
+bool WantParams::MarshallingAt(Parcel& parcel, int depth) const
+{
+    if (depth > MAX_DEPTH || !parcel.WriteInt32(static_cast<int32_t>(params_.size()))) {
         return false;
     }
     for (const auto& [key, value] : params_) {
-        if (!parcel.WriteString(key) || !WriteValue(parcel, value)) {
+        if (!parcel.WriteString(key) || !WriteValue(parcel, value, depth)) {
             return false;
         }
     }
@@ -175,7 +197,9 @@ WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
         if (!parcel.ReadString(key) || !ReadValue(parcel, depth, value)) {
             return nullptr;
         }
-        params->params_[key] = std::move(value);
+        // Keys arrive in order from our own writer, so the end is the right hint; a repeated
+        // key keeps its last value.
+        params->params_.insert_or_assign(params->params_.end(), std::move(key), std::move(value));
     }
     return params.release();
 }

@@ -43,7 +43,9 @@ public:
 
     WantParams() = default;
     WantParams(const WantParams& other);
+    WantParams(WantParams&& other) noexcept;
     WantParams& operator=(const WantParams& other);
+    WantParams& operator=(WantParams&& other) noexcept;
     ~WantParams() override = default;
 
     void SetParam(const std::string& key, const Value& value);
@@ -60,12 +62,16 @@ public:
     bool operator==(const WantParams& other) const;
     bool operator!=(const WantParams& other) const { return !(*this == other); }
 
+    // False for nesting deeper than MAX_DEPTH, which Unmarshalling would refuse.
     bool Marshalling(Parcel& parcel) const override;
     // Caller owns the result; null for nesting deeper than MAX_DEPTH, a count the remaining
     // bytes cannot hold, an unknown type tag or any short read.
     static WantParams* Unmarshalling(Parcel& parcel, int depth = 1);
 
 private:
+    bool MarshallingAt(Parcel& parcel, int depth) const;
+    static bool WriteValue(Parcel& parcel, const Value& value, int depth);
+
     std::map<std::string, Value> params_;
 };
 

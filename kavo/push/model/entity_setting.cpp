@@ -9,8 +9,7 @@
 
 namespace Kavo::Push {
 
-using internal::FailRead;
-using internal::FailWrite;
+using internal::Fail;
 
 void EntitySetting::ToJsonValue(Json::Value& json) const
 {
@@ -31,7 +30,7 @@ bool EntitySetting::Marshalling(Parcel& parcel) const
 {
     const uint64_t flags = (enable_ != nullptr ? ENABLE_FLAG : 0) | (extraInfo_ != nullptr ? EXTRA_INFO_FLAG : 0);
     if (!parcel.WriteUint64(flags)) {
-        return FailWrite("EntitySetting::Marshalling: Write Flags Error");
+        return Fail("EntitySetting::Marshalling: Write Flags Error");
     }
     return WriteFields(parcel);
 }
@@ -39,19 +38,19 @@ bool EntitySetting::Marshalling(Parcel& parcel) const
 bool EntitySetting::WriteFields(Parcel& parcel) const
 {
     if (!parcel.WriteString(entityId_)) {
-        return FailWrite("EntitySetting::Marshalling: Write EntityId Error");
+        return Fail("EntitySetting::Marshalling: Write EntityId Error");
     }
     if (!parcel.WriteString(entityName_)) {
-        return FailWrite("EntitySetting::Marshalling: Write EntityName Error");
+        return Fail("EntitySetting::Marshalling: Write EntityName Error");
     }
     if (enable_ != nullptr && !parcel.WriteBool(*enable_)) {
-        return FailWrite("EntitySetting::Marshalling: Write Enable Error");
+        return Fail("EntitySetting::Marshalling: Write Enable Error");
     }
     if (!parcel.WriteInt32(entityType_)) {
-        return FailWrite("EntitySetting::Marshalling: Write EntityType Error");
+        return Fail("EntitySetting::Marshalling: Write EntityType Error");
     }
     if (extraInfo_ != nullptr && !parcel.WriteParcelable(extraInfo_.get())) {
-        return FailWrite("Write extraInfo error");
+        return Fail("Write extraInfo error");
     }
     return true;
 }
@@ -61,10 +60,10 @@ bool EntitySetting::ReadFromParcel(Parcel& parcel)
     // Bits 2 to 63 belong to no part and are ignored.
     const uint64_t flags = parcel.ReadUint64();
     if (!parcel.ReadString(entityId_)) {
-        return FailRead("EntitySetting::ReadFromParcel: Read EntityId Error");
+        return Fail("EntitySetting::ReadFromParcel: Read EntityId Error");
     }
     if (!parcel.ReadString(entityName_)) {
-        return FailRead("EntitySetting::ReadFromParcel: Read EntityName Error");
+        return Fail("EntitySetting::ReadFromParcel: Read EntityName Error");
     }
     if ((flags & ENABLE_FLAG) != 0) {
         enable_ = std::make_shared<bool>(parcel.ReadBool());
@@ -73,7 +72,7 @@ bool EntitySetting::ReadFromParcel(Parcel& parcel)
     if ((flags & EXTRA_INFO_FLAG) == 0) {
         return true;
     }
-    return internal::ReadWantParamsCopy(parcel, extraInfo_, "Read WantParams error", "New WantParams error");
+    return internal::ReadWantParams(parcel, extraInfo_, "Read WantParams error", "New WantParams error");
 }
 
 sptr<EntitySetting> EntitySetting::Unmarshalling(Parcel& parcel)

@@ -15,6 +15,10 @@ namespace Kavo::Push {
 class KAVO_PUSH_EXPORT MsgTimePoints : public Parcelable {
 public:
     MsgTimePoints() = default;
+    MsgTimePoints(const MsgTimePoints&) = default;
+    MsgTimePoints(MsgTimePoints&&) noexcept = default;
+    MsgTimePoints& operator=(const MsgTimePoints&) = default;
+    MsgTimePoints& operator=(MsgTimePoints&&) noexcept = default;
     ~MsgTimePoints() override = default;
 
     // Writes the six values in order; false at the first failed write, logging nothing (the

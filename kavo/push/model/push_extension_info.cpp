@@ -1,12 +1,13 @@
 #include "kavo/push/model/push_extension_info.h"
 
-#include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
 
 namespace Kavo::Push {
 
-using internal::FailNull;
+using internal::Fail;
 
 PushExtensionInfo::PushExtensionInfo(const int& survivalTime, const bool& sync, const PushPayload& payload)
     : survivalTime_(survivalTime), sync_(sync), pushPayload_(payload)
@@ -20,22 +21,20 @@ bool PushExtensionInfo::Marshalling(Parcel& parcel) const
 
 sptr<PushExtensionInfo> PushExtensionInfo::Unmarshalling(Parcel& parcel)
 {
-    auto* info = new (std::nothrow) PushExtensionInfo();
-    if (info == nullptr) {
-        return FailNull("New extensionMessageInfo error");
-    }
-    const bool headRead = parcel.ReadBool(info->sync_) && parcel.ReadInt32(info->survivalTime_);
-    // The payload is read whatever the head gave, so its own failure is logged too.
-    sptr<PushPayload> payload = parcel.ReadStrongParcelable<PushPayload>();
-    if (payload == nullptr) {
-        internal::LogAndReport("PushExtensionInfo::Unmarshalling: ReadStrongParcelable Error");
-    }
-    if (payload == nullptr || !headRead) {
-        delete info;
-        return FailNull("ExtensionMessageInfo unmarshalling error");
-    }
-    info->pushPayload_ = PushPayload(payload->GetType(), payload->GetData());
-    return sptr<PushExtensionInfo>(info);
+    return internal::AllocateThenRead<PushExtensionInfo>(
+        "New extensionMessageInfo error", [&parcel](PushExtensionInfo& info) -> bool {
+            const bool headRead = parcel.ReadBool(info.sync_) && parcel.ReadInt32(info.survivalTime_);
+            // The payload is read whatever the head gave, so its own failure is logged too.
+            sptr<PushPayload> payload = parcel.ReadStrongParcelable<PushPayload>();
+            if (payload == nullptr) {
+                internal::LogAndReport("PushExtensionInfo::Unmarshalling: ReadStrongParcelable Error");
+            }
+            if (payload == nullptr || !headRead) {
+                return Fail("ExtensionMessageInfo unmarshalling error");
+            }
+            info.pushPayload_ = std::move(*payload);
+            return true;
+        });
 }
 
 bool PushExtensionInfo::operator==(const PushExtensionInfo& other) const

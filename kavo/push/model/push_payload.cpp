@@ -1,10 +1,13 @@
 #include "kavo/push/model/push_payload.h"
 
 #include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
 
 namespace Kavo::Push {
+
+using internal::Fail;
 
 PushPayload::PushPayload(const std::string& type, const std::string& data) : type_(type), data_(data) {}
 
@@ -18,14 +21,14 @@ sptr<PushPayload> PushPayload::Unmarshalling(Parcel& parcel)
     std::string type;
     std::string data;
     if (!parcel.ReadString(type) || !parcel.ReadString(data)) {
-        internal::LogAndReport("PushPayload unmarshalling error");
-        return nullptr;
+        return Fail("PushPayload unmarshalling error");
     }
-    auto* payload = new (std::nothrow) PushPayload(type, data);
+    auto* payload = new (std::nothrow) PushPayload();
     if (payload == nullptr) {
-        internal::LogAndReport("New PushPayload error");
-        return nullptr;
+        return Fail("New PushPayload error");
     }
+    payload->type_ = std::move(type);
+    payload->data_ = std::move(data);
     return sptr<PushPayload>(payload);
 }
 

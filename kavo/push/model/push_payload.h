@@ -15,6 +15,10 @@ class KAVO_PUSH_EXPORT PushPayload : public Parcelable {
 public:
     PushPayload() = default;
     PushPayload(const std::string& type, const std::string& data);
+    PushPayload(const PushPayload&) = default;
+    PushPayload(PushPayload&&) noexcept = default;
+    PushPayload& operator=(const PushPayload&) = default;
+    PushPayload& operator=(PushPayload&&) noexcept = default;
     ~PushPayload() override = default;
 
     std::string GetType() const { return type_; }
@@ -27,7 +31,8 @@ public:
     bool operator==(const PushPayload& other) const;
     bool operator!=(const PushPayload& other) const { return !(*this == other); }
 
-private:
+protected:
+    // The derived infos' readers move what they read straight into these.
     std::string type_;
     std::string data_;
 };

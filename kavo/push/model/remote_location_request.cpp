@@ -6,7 +6,7 @@
 
 namespace Kavo::Push {
 
-using internal::FailNull;
+using internal::Fail;
 
 RemoteLocationRequest::RemoteLocationRequest(const int& survivalTime, const bool& sync, const PushPayload& payload)
     : PushExtensionInfo(survivalTime, sync, payload)
@@ -17,12 +17,12 @@ sptr<RemoteLocationRequest> RemoteLocationRequest::Unmarshalling(Parcel& parcel)
 {
     sptr<PushExtensionInfo> info = PushExtensionInfo::Unmarshalling(parcel);
     if (info == nullptr) {
-        return FailNull("ExtensionMessageInfo unmarshalling error");
+        return Fail("ExtensionMessageInfo unmarshalling error");
     }
     auto* request =
         new (std::nothrow) RemoteLocationRequest(info->GetSurvivalTime(), info->GetSync(), info->GetPushPayload());
     if (request == nullptr) {
-        return FailNull("New RemoteLocationRequest error");
+        return Fail("New RemoteLocationRequest error");
     }
     return sptr<RemoteLocationRequest>(request);
 }

@@ -7,9 +7,10 @@
 
 namespace Kavo::Push {
 
-using internal::FailRead;
-using internal::FailWrite;
-using internal::SharedCopy;
+using internal::Fail;
+using internal::FailUnreported;
+
+using internal::SharedTake;
 
 void RemoteNotificationContent::SetContentStateInfo(std::bitset<CONTENT_BIT_COUNT>& flags) const
 {
@@ -27,15 +28,14 @@ bool RemoteNotificationContent::Marshalling(Parcel& parcel) const
     std::bitset<CONTENT_BIT_COUNT> flags;
     SetContentStateInfo(flags);
     if (!parcel.WriteUint64(flags.to_ullong())) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write Flags Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write Flags Error");
     }
     if (!WriteParts(parcel)) {
         return false;
     }
-    // The time points are the service's own bookkeeping: their failure is logged, not reported.
+    // The time points' failure is logged only, not reported; kept as it is.
     if (msgTimePoints_ != nullptr && !parcel.WriteParcelable(msgTimePoints_.get())) {
-        internal::LogOnly("Write msg time points info error");
-        return false;
+        return FailUnreported("Write msg time points info error");
     }
     return true;
 }
@@ -43,22 +43,22 @@ bool RemoteNotificationContent::Marshalling(Parcel& parcel) const
 bool RemoteNotificationContent::WriteParts(Parcel& parcel) const
 {
     if (title_ != nullptr && !parcel.WriteString(*title_)) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write Title Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write Title Error");
     }
     if (text_ != nullptr && !parcel.WriteString(*text_)) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write Text Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write Text Error");
     }
     if (overlayIcon_ != nullptr && !parcel.WriteParcelable(overlayIcon_.get())) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write OverlayIcon Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write OverlayIcon Error");
     }
     if (badgeNumber_ != nullptr && !parcel.WriteInt64(*badgeNumber_)) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write BadgeNumber Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write BadgeNumber Error");
     }
     if (setBadgeNumber_ != nullptr && !parcel.WriteInt64(*setBadgeNumber_)) {
-        return FailWrite("RemoteNotificationContent::Marshalling: Write SetBadgeNumber Error");
+        return Fail("RemoteNotificationContent::Marshalling: Write SetBadgeNumber Error");
     }
     if (wantAgent_ != nullptr && !parcel.WriteParcelable(wantAgent_.get())) {
-        return FailWrite("Write wantAgent error");
+        return Fail("Write wantAgent error");
     }
     return true;
 }
@@ -97,7 +97,7 @@ bool RemoteNotificationContent::ReadOverlayIcon(Parcel& parcel)
     overlayIcon_ =
         parcel.ReadInt32() != 0 ? std::shared_ptr<Media::PixelMap>(Media::PixelMap::Unmarshalling(parcel)) : nullptr;
     if (overlayIcon_ == nullptr) {
-        return FailRead("overlayIcon_ is Null");
+        return Fail("overlayIcon_ is Null");
     }
     return true;
 }
@@ -106,11 +106,11 @@ bool RemoteNotificationContent::ReadWantAgent(Parcel& parcel)
 {
     sptr<RemoteWantAgent> agent = parcel.ReadStrongParcelable<RemoteWantAgent>();
     if (agent == nullptr) {
-        return FailRead("Read RemoteWantAgent Error");
+        return Fail("Read RemoteWantAgent Error");
     }
-    wantAgent_ = SharedCopy(*agent);
+    wantAgent_ = SharedTake(*agent);
     if (wantAgent_ == nullptr) {
-        return FailRead("New RemoteWantAgent Error");
+        return Fail("New RemoteWantAgent Error");
     }
     return true;
 }
@@ -119,13 +119,11 @@ bool RemoteNotificationContent::ReadMsgTimePoints(Parcel& parcel)
 {
     sptr<MsgTimePoints> points = parcel.ReadStrongParcelable<MsgTimePoints>();
     if (points == nullptr) {
-        internal::LogOnly("Read MsgTimePoints error");
-        return false;
+        return FailUnreported("Read MsgTimePoints error");
     }
-    msgTimePoints_ = SharedCopy(*points);
+    msgTimePoints_ = SharedTake(*points);
     if (msgTimePoints_ == nullptr) {
-        internal::LogOnly("New MsgTimePoints error");
-        return false;
+        return FailUnreported("New MsgTimePoints error");
     }
     return true;
 }

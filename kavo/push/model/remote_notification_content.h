@@ -34,6 +34,10 @@ public:
     };
 
     RemoteNotificationContent() = default;
+    RemoteNotificationContent(const RemoteNotificationContent&) = default;
+    RemoteNotificationContent(RemoteNotificationContent&&) noexcept = default;
+    RemoteNotificationContent& operator=(const RemoteNotificationContent&) = default;
+    RemoteNotificationContent& operator=(RemoteNotificationContent&&) noexcept = default;
     ~RemoteNotificationContent() override = default;
 
     std::shared_ptr<std::string> GetTitle() const { return title_; }

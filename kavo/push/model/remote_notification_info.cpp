@@ -2,30 +2,30 @@
 
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
 
 namespace Kavo::Push {
 
-using internal::FailNull;
-using internal::FailWrite;
+using internal::Fail;
 
 RemoteNotificationInfo::RemoteNotificationInfo(const std::string& type, const std::string& data, const long& id)
     : PushPayload(type, data), id_(id)
 {
 }
 
-// The writer's texts say "Read" and name the members; they are the texts applications know.
+// The writer's texts say "Read" and name the members; they are kept letter for letter.
 bool RemoteNotificationInfo::Marshalling(Parcel& parcel) const
 {
-    if (!parcel.WriteString(GetType())) {
-        return FailWrite("RemoteNotificationInfo::Marshalling: Read type_ Error");
+    if (!parcel.WriteString(type_)) {
+        return Fail("RemoteNotificationInfo::Marshalling: Read type_ Error");
     }
-    if (!parcel.WriteString(GetData())) {
-        return FailWrite("RemoteNotificationInfo::Marshalling: Read data_ Error");
+    if (!parcel.WriteString(data_)) {
+        return Fail("RemoteNotificationInfo::Marshalling: Read data_ Error");
     }
     if (!parcel.WriteInt64(id_)) {
-        return FailWrite("RemoteNotificationInfo::Marshalling: Read id_ Error");
+        return Fail("RemoteNotificationInfo::Marshalling: Read id_ Error");
     }
     return true;
 }
@@ -34,20 +34,23 @@ sptr<RemoteNotificationInfo> RemoteNotificationInfo::Unmarshalling(Parcel& parce
 {
     std::string type;
     if (!parcel.ReadString(type)) {
-        return FailNull("RemoteNotificationInfo::Unmarshalling: Read type Error");
+        return Fail("RemoteNotificationInfo::Unmarshalling: Read type Error");
     }
     std::string data;
     if (!parcel.ReadString(data)) {
-        return FailNull("RemoteNotificationInfo::Unmarshalling: Read data Error");
+        return Fail("RemoteNotificationInfo::Unmarshalling: Read data Error");
     }
     int64_t id = 0;
     if (!parcel.ReadInt64(id)) {
-        return FailNull("RemoteNotificationInfo::Unmarshalling: Read id Error");
+        return Fail("RemoteNotificationInfo::Unmarshalling: Read id Error");
     }
-    auto* info = new (std::nothrow) RemoteNotificationInfo(type, data, id);
+    auto* info = new (std::nothrow) RemoteNotificationInfo();
     if (info == nullptr) {
-        return FailNull("New RemoteNotificationInfo error");
+        return Fail("New RemoteNotificationInfo error");
     }
+    info->type_ = std::move(type);
+    info->data_ = std::move(data);
+    info->id_ = id;
     return sptr<RemoteNotificationInfo>(info);
 }
 

@@ -16,6 +16,10 @@ class KAVO_PUSH_EXPORT RemoteNotificationInfo : public PushPayload {
 public:
     RemoteNotificationInfo() = default;
     RemoteNotificationInfo(const std::string& type, const std::string& data, const long& id);
+    RemoteNotificationInfo(const RemoteNotificationInfo&) = default;
+    RemoteNotificationInfo(RemoteNotificationInfo&&) noexcept = default;
+    RemoteNotificationInfo& operator=(const RemoteNotificationInfo&) = default;
+    RemoteNotificationInfo& operator=(RemoteNotificationInfo&&) noexcept = default;
     ~RemoteNotificationInfo() override = default;
 
     long GetId() const { return id_; }

@@ -1,14 +1,14 @@
 #include "kavo/push/model/remote_notification_result.h"
 
 #include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
 #include "kavo/push/model/internal/record_parts.h"
 
 namespace Kavo::Push {
 
-using internal::FailRead;
-using internal::FailWrite;
+using internal::Fail;
 
 RemoteNotificationResult::RemoteNotificationResult(const RemoteNotificationContent& content,
                                                    const std::shared_ptr<AAFwk::WantParams>& parameters)
@@ -19,14 +19,14 @@ RemoteNotificationResult::RemoteNotificationResult(const RemoteNotificationConte
 bool RemoteNotificationResult::Marshalling(Parcel& parcel) const
 {
     if (!parcel.WriteParcelable(&content_)) {
-        return FailWrite("RemoteNotificationResult::Marshalling: Write Content Error");
+        return Fail("RemoteNotificationResult::Marshalling: Write Content Error");
     }
     const bool hasParameters = parameters_ != nullptr;
     if (!parcel.WriteBool(hasParameters)) {
-        return FailWrite("RemoteNotificationResult::Marshalling: Write Valid Error");
+        return Fail("RemoteNotificationResult::Marshalling: Write Valid Error");
     }
     if (hasParameters && !parcel.WriteParcelable(parameters_.get())) {
-        return FailWrite("Write wantParams error");
+        return Fail("Write wantParams error");
     }
     return true;
 }
@@ -35,17 +35,17 @@ bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
 {
     sptr<RemoteNotificationContent> content = parcel.ReadStrongParcelable<RemoteNotificationContent>();
     if (content == nullptr) {
-        return FailRead("RemoteNotificationResult::ReadFromParcel: Read Content Error");
+        return Fail("RemoteNotificationResult::ReadFromParcel: Read Content Error");
     }
-    content_ = *content;
+    content_ = std::move(*content);
     bool hasParameters = false;
     if (!parcel.ReadBool(hasParameters)) {
-        return FailRead("RemoteNotificationResult::ReadFromParcel: Read Valid from Parcel Error");
+        return Fail("RemoteNotificationResult::ReadFromParcel: Read Valid from Parcel Error");
     }
     if (!hasParameters) {
         return true;
     }
-    return internal::ReadWantParamsCopy(parcel, parameters_, "Read wantParams error", "New wantParams error");
+    return internal::ReadWantParams(parcel, parameters_, "Read wantParams error", "New wantParams error");
 }
 
 sptr<RemoteNotificationResult> RemoteNotificationResult::Unmarshalling(Parcel& parcel)

@@ -7,20 +7,19 @@
 
 namespace Kavo::Push {
 
-using internal::FailRead;
-using internal::FailWrite;
+using internal::Fail;
 
 bool RemoteWantAgent::Marshalling(Parcel& parcel) const
 {
     if (!parcel.WriteString(abilityName_)) {
-        return FailWrite("RemoteWantAgent::Marshallin: Write AbilityName Error");
+        return Fail("RemoteWantAgent::Marshallin: Write AbilityName Error");
     }
     const bool hasParameters = !parameters_.empty();
     if (!parcel.WriteBool(hasParameters)) {
-        return FailWrite("RemoteWantAgent::Marshallin: Write Valid Error");
+        return Fail("RemoteWantAgent::Marshallin: Write Valid Error");
     }
     if (hasParameters && !parcel.WriteString(parameters_)) {
-        return FailWrite("Write parameters error");
+        return Fail("Write parameters error");
     }
     return true;
 }
@@ -28,14 +27,14 @@ bool RemoteWantAgent::Marshalling(Parcel& parcel) const
 bool RemoteWantAgent::ReadFromParcel(Parcel& parcel)
 {
     if (!parcel.ReadString(abilityName_)) {
-        return FailRead("RemoteWantAgent::ReadFromParcel: Read AbilityName Error");
+        return Fail("RemoteWantAgent::ReadFromParcel: Read AbilityName Error");
     }
     bool hasParameters = false;
     if (!parcel.ReadBool(hasParameters)) {
-        return FailRead("RemoteWantAgent::ReadFromParcel: Read Valid Error");
+        return Fail("RemoteWantAgent::ReadFromParcel: Read Valid Error");
     }
     if (hasParameters && !parcel.ReadString(parameters_)) {
-        return FailRead("RemoteWantAgent::ReadFromParcel: Read Parameters Error");
+        return Fail("RemoteWantAgent::ReadFromParcel: Read Parameters Error");
     }
     return true;
 }

@@ -14,6 +14,10 @@ namespace Kavo::Push {
 class KAVO_PUSH_EXPORT RemoteWantAgent : public Parcelable {
 public:
     RemoteWantAgent() = default;
+    RemoteWantAgent(const RemoteWantAgent&) = default;
+    RemoteWantAgent(RemoteWantAgent&&) noexcept = default;
+    RemoteWantAgent& operator=(const RemoteWantAgent&) = default;
+    RemoteWantAgent& operator=(RemoteWantAgent&&) noexcept = default;
     ~RemoteWantAgent() override = default;
 
     std::string GetAbilityName() const { return abilityName_; }

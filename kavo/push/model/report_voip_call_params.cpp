@@ -6,7 +6,7 @@
 
 namespace Kavo::Push {
 
-using internal::FailNull;
+using internal::Fail;
 
 ReportVoIPCallParams::ReportVoIPCallParams(const std::string& callId, const unsigned int& status)
     : callId_(callId), status_(status)
@@ -23,11 +23,11 @@ sptr<ReportVoIPCallParams> ReportVoIPCallParams::Unmarshalling(Parcel& parcel)
     std::string callId;
     uint32_t status = 0;
     if (!parcel.ReadString(callId) || !parcel.ReadUint32(status)) {
-        return FailNull("ReportVoIPCallParams unmarshalling error");
+        return Fail("ReportVoIPCallParams unmarshalling error");
     }
     auto* params = new (std::nothrow) ReportVoIPCallParams(callId, status);
     if (params == nullptr) {
-        return FailNull("New ReportVoIPCallParams error");
+        return Fail("New ReportVoIPCallParams error");
     }
     return sptr<ReportVoIPCallParams>(params);
 }

@@ -7,21 +7,19 @@
 
 namespace Kavo::Push {
 
-using internal::FailNull;
-using internal::FailRead;
-using internal::FailWrite;
+using internal::Fail;
 
 bool SubscribeNotificationSetting::Marshalling(Parcel& parcel) const
 {
     const bool hasEnabled = enabled_ != nullptr;
     if (!parcel.WriteUint64(hasEnabled ? ENABLED_FLAG : 0)) {
-        return FailWrite("SubscribeNotificationSetting::Marshalling: Write Flags Error");
+        return Fail("SubscribeNotificationSetting::Marshalling: Write Flags Error");
     }
     if (!parcel.WriteString(bundleName_)) {
-        return FailWrite("SubscribeNotificationSetting::Marshalling: Write BundleName Error");
+        return Fail("SubscribeNotificationSetting::Marshalling: Write BundleName Error");
     }
     if (hasEnabled && !parcel.WriteBool(*enabled_)) {
-        return FailWrite("SubscribeNotificationSetting::Marshalling: Write Enabled Error");
+        return Fail("SubscribeNotificationSetting::Marshalling: Write Enabled Error");
     }
     return true;
 }
@@ -31,7 +29,7 @@ bool SubscribeNotificationSetting::ReadFromParcel(Parcel& parcel)
     // Bits 1 to 63 belong to no part and are ignored.
     const uint64_t flags = parcel.ReadUint64();
     if (!parcel.ReadString(bundleName_)) {
-        return FailRead("SubscribeNotificationSetting: Read BundleName Error");
+        return Fail("SubscribeNotificationSetting: Read BundleName Error");
     }
     if ((flags & ENABLED_FLAG) != 0) {
         enabled_ = std::make_shared<bool>(parcel.ReadBool());
@@ -53,7 +51,7 @@ bool SubscribeNotificationSetting::operator==(const SubscribeNotificationSetting
 bool SubscribeNotificationBasicSetting::Marshalling(Parcel& parcel) const
 {
     if (!parcel.WriteBool(enabled_)) {
-        return FailWrite("SubscribeNotificationBasicSetting: Marshal Failed");
+        return Fail("SubscribeNotificationBasicSetting: Marshal Failed");
     }
     return true;
 }
@@ -62,11 +60,11 @@ sptr<SubscribeNotificationBasicSetting> SubscribeNotificationBasicSetting::Unmar
 {
     auto* setting = new (std::nothrow) SubscribeNotificationBasicSetting();
     if (setting == nullptr) {
-        return FailNull("New SubscribeNotificationBasicSetting error");
+        return Fail("New SubscribeNotificationBasicSetting error");
     }
     if (!parcel.ReadBool(setting->enabled_)) {
         delete setting;
-        return FailNull("SubscribeNotificationBasicSetting unmarshalling error");
+        return Fail("SubscribeNotificationBasicSetting unmarshalling error");
     }
     return sptr<SubscribeNotificationBasicSetting>(setting);
 }

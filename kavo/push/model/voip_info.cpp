@@ -1,23 +1,24 @@
 #include "kavo/push/model/voip_info.h"
 
 #include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
 
 namespace Kavo::Push {
 
-using internal::FailNull;
+using internal::Fail;
 
 VoIPInfo::VoIPInfo(const std::string& type, const std::string& data, const std::string& callId)
     : PushPayload(type, data), callId_(callId)
 {
 }
 
-// One text stands for every failed write: callers know the record by it.
+// One text stands for every failed write, kept letter for letter.
 bool VoIPInfo::Marshalling(Parcel& parcel) const
 {
-    if (!parcel.WriteString(GetType()) || !parcel.WriteString(GetData()) || !parcel.WriteString(callId_)) {
-        return internal::FailWrite("VoIPInfo::Marshalling: Write type_ Error");
+    if (!parcel.WriteString(type_) || !parcel.WriteString(data_) || !parcel.WriteString(callId_)) {
+        return Fail("VoIPInfo::Marshalling: Write type_ Error");
     }
     return true;
 }
@@ -26,20 +27,23 @@ sptr<VoIPInfo> VoIPInfo::Unmarshalling(Parcel& parcel)
 {
     std::string type;
     if (!parcel.ReadString(type)) {
-        return FailNull("VoIPInfo::Unmarshalling: Read type Error");
+        return Fail("VoIPInfo::Unmarshalling: Read type Error");
     }
     std::string data;
     if (!parcel.ReadString(data)) {
-        return FailNull("VoIPInfo::Unmarshalling: Read data Error");
+        return Fail("VoIPInfo::Unmarshalling: Read data Error");
     }
     std::string callId;
     if (!parcel.ReadString(callId)) {
-        return FailNull("VoIPInfo::Unmarshalling: Read callId Error");
+        return Fail("VoIPInfo::Unmarshalling: Read callId Error");
     }
-    auto* info = new (std::nothrow) VoIPInfo(type, data, callId);
+    auto* info = new (std::nothrow) VoIPInfo();
     if (info == nullptr) {
-        return FailNull("New VoIPInfo error");
+        return Fail("New VoIPInfo error");
     }
+    info->type_ = std::move(type);
+    info->data_ = std::move(data);
+    info->callId_ = std::move(callId);
     return sptr<VoIPInfo>(info);
 }
 

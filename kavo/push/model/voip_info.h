@@ -15,8 +15,10 @@ class KAVO_PUSH_EXPORT VoIPInfo : public PushPayload {
 public:
     VoIPInfo() = default;
     VoIPInfo(const std::string& type, const std::string& data, const std::string& callId);
-    VoIPInfo(const VoIPInfo& other) = default;
-    VoIPInfo& operator=(const VoIPInfo& other) = default;
+    VoIPInfo(const VoIPInfo&) = default;
+    VoIPInfo(VoIPInfo&&) noexcept = default;
+    VoIPInfo& operator=(const VoIPInfo&) = default;
+    VoIPInfo& operator=(VoIPInfo&&) noexcept = default;
     ~VoIPInfo() override = default;
 
     std::string GetCallId() const { return callId_; }

@@ -1,12 +1,13 @@
 #include "kavo/push/model/voip_request.h"
 
-#include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
+#include "kavo/push/model/internal/record_parts.h"
 
 namespace Kavo::Push {
 
-using internal::FailNull;
+using internal::Fail;
 
 VoIPRequest::VoIPRequest(const int& survivalTime, const VoIPInfo& voip) : survivalTime_(survivalTime), voIP_(voip) {}
 
@@ -17,22 +18,20 @@ bool VoIPRequest::Marshalling(Parcel& parcel) const
 
 sptr<VoIPRequest> VoIPRequest::Unmarshalling(Parcel& parcel)
 {
-    auto* request = new (std::nothrow) VoIPRequest();
-    if (request == nullptr) {
-        return FailNull("New voipInfoRequest error");
-    }
-    const bool survivalTimeRead = parcel.ReadInt32(request->survivalTime_);
-    // The info is read whatever the survival time gave, so its own failure is logged too.
-    sptr<VoIPInfo> info = parcel.ReadStrongParcelable<VoIPInfo>();
-    if (info == nullptr) {
-        internal::LogAndReport("Read VoIPInfo Error");
-    }
-    if (info == nullptr || !survivalTimeRead) {
-        delete request;
-        return FailNull("VoIPRequest unmarshalling error");
-    }
-    request->voIP_ = VoIPInfo(info->GetType(), info->GetData(), info->GetCallId());
-    return sptr<VoIPRequest>(request);
+    return internal::AllocateThenRead<VoIPRequest>(
+        "New voipInfoRequest error", [&parcel](VoIPRequest& request) -> bool {
+            const bool survivalTimeRead = parcel.ReadInt32(request.survivalTime_);
+            // The info is read whatever the survival time gave, so its own failure is logged too.
+            sptr<VoIPInfo> info = parcel.ReadStrongParcelable<VoIPInfo>();
+            if (info == nullptr) {
+                internal::LogAndReport("Read VoIPInfo Error");
+            }
+            if (info == nullptr || !survivalTimeRead) {
+                return Fail("VoIPRequest unmarshalling error");
+            }
+            request.voIP_ = std::move(*info);
+            return true;
+        });
 }
 
 bool VoIPRequest::operator==(const VoIPRequest& other) const

@@ -7,8 +7,7 @@
 
 namespace Kavo::Push {
 
-using internal::FailRead;
-using internal::FailWrite;
+using internal::Fail;
 
 VoIPResult::VoIPResult(const std::shared_ptr<AAFwk::WantParams>& parameters) : parameters_(parameters) {}
 
@@ -16,10 +15,10 @@ bool VoIPResult::Marshalling(Parcel& parcel) const
 {
     const bool hasParameters = parameters_ != nullptr;
     if (!parcel.WriteBool(hasParameters)) {
-        return FailWrite("VoIPResult::Marshalling: Write Valid Error");
+        return Fail("VoIPResult::Marshalling: Write Valid Error");
     }
     if (hasParameters && !parcel.WriteParcelable(parameters_.get())) {
-        return FailWrite("Write wantParams error");
+        return Fail("Write wantParams error");
     }
     return true;
 }
@@ -28,12 +27,12 @@ bool VoIPResult::ReadFromParcel(Parcel& parcel)
 {
     bool hasParameters = false;
     if (!parcel.ReadBool(hasParameters)) {
-        return FailRead("Read Valid is False");
+        return Fail("Read Valid is False");
     }
     if (!hasParameters) {
         return true;
     }
-    return internal::ReadWantParamsCopy(parcel, parameters_, "Read wantParams error", "New wantParams error");
+    return internal::ReadWantParams(parcel, parameters_, "Read wantParams error", "New wantParams error");
 }
 
 sptr<VoIPResult> VoIPResult::Unmarshalling(Parcel& parcel)

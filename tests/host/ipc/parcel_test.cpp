@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -91,6 +93,22 @@ TEST(Parcel, AFullParcelWritesNothingAndParseFromKeepsExactBytes)
     EXPECT_FALSE(copy.RewindRead(copy.GetDataSize() + 1));
     EXPECT_NE(source.ReadBuffer(10), nullptr);
     EXPECT_EQ(source.GetReadPosition(), 12u) << "a buffer's padding is read too";
+}
+
+TEST(Parcel, AMovedFromParcelIsEmptyAndItsReadsFailLeavingOutputsAlone)
+{
+    Parcel from;
+    ASSERT_TRUE(from.WriteString("abc") && from.WriteInt64(9) && from.ReadString() == "abc");
+    Parcel to(std::move(from));
+    Parcel assigned;
+    assigned = std::move(to);
+    EXPECT_EQ(assigned.ReadInt64(), 9) << "the read position moves with the bytes";
+    for (Parcel* moved : {&from, &to}) {
+        std::string text = "kept";
+        int64_t number = 42;
+        EXPECT_FALSE(moved->ReadString(text) || moved->ReadInt64(number) || moved->ReadBuffer(4) != nullptr);
+        EXPECT_TRUE(text == "kept" && number == 42 && moved->GetDataSize() == 0 && moved->GetReadPosition() == 0);
+    }
 }
 
 }  // namespace

@@ -164,8 +164,6 @@ std::vector<Row> Rows()
               Wire().U64(0).Raw(entityHead).I32(3)),
         RowOf("entity switched off: flags 1 and a false", Entity(Flag(false), nullptr),
               Wire().U64(1).Raw(entityHead).I32(false).I32(3)),
-        RowOf("entity with parameters alone: flags 2, parameters last", Entity(nullptr, Params()),
-              Wire().U64(2).Raw(entityHead).I32(3).Raw(ParamsWire())),
         // The switch and the type are read leniently: a cut there fails only at the parameters.
         RowOf("entity with both options: flags 3", Entity(Flag(true), Params()),
               Wire().U64(3).Raw(entityHead).I32(true).I32(3).Raw(ParamsWire()),

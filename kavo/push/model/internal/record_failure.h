@@ -3,13 +3,12 @@
 // record sources of kavo/push/model. Stateless; callable from any thread.
 //
 //   if (!parcel.ReadString(abilityName_)) {
-//       return FailRead("RemoteWantAgent::ReadFromParcel: Read AbilityName Error");
+//       return Fail("RemoteWantAgent::ReadFromParcel: Read AbilityName Error");
 //   }
 #ifndef KAVO_PUSH_MODEL_INTERNAL_RECORD_FAILURE_H
 #define KAVO_PUSH_MODEL_INTERNAL_RECORD_FAILURE_H
 
-#include <cstddef>
-
+#include "kavo/host/ipc/ref_base.h"
 #include "kavo/push/common/push_error.h"
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/event/report_log.h"
@@ -29,24 +28,29 @@ inline void LogOnly(const char* text)
     PUSH_LOGE(text);
 }
 
-// Logs and reports `text`, then gives false: the last statement of a failed read or write.
-inline bool FailRead(const char* text)
+// What a failed read or write returns: false from a bool operation, a null record from an
+// Unmarshalling, so that every failure ends in the same `return Fail(text);`.
+struct Failure {
+    operator bool() const { return false; }  // NOLINT(google-explicit-constructor)
+    template <typename T>
+    operator sptr<T>() const  // NOLINT(google-explicit-constructor)
+    {
+        return nullptr;
+    }
+};
+
+// Logs and reports `text`: the last statement of a failed read or write.
+inline Failure Fail(const char* text)
 {
     LogAndReport(text);
-    return false;
+    return {};
 }
 
-inline bool FailWrite(const char* text)
+// Logs `text` without reporting it, for the few texts that are log only.
+inline Failure FailUnreported(const char* text)
 {
-    LogAndReport(text);
-    return false;
-}
-
-// Logs and reports `text`, then gives the null record that a failed Unmarshalling returns.
-inline std::nullptr_t FailNull(const char* text)
-{
-    LogAndReport(text);
-    return nullptr;
+    LogOnly(text);
+    return {};
 }
 
 }  // namespace Kavo::Push::internal

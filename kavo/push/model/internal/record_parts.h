@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "kavo/host/ipc/parcel.h"
 #include "kavo/host/want/want_params.h"
@@ -22,11 +23,12 @@ bool OptionalEqual(const std::shared_ptr<T>& left, const std::shared_ptr<T>& rig
     return *left == *right;
 }
 
-// A new shared copy of a part read from a parcel; null when the copy cannot be allocated.
+// A part read from a parcel, moved into a new shared pointer; null when that cannot be
+// allocated. The reader holds the part's only reference, so nothing else sees it emptied.
 template <typename T>
-std::shared_ptr<T> SharedCopy(const T& value)
+std::shared_ptr<T> SharedTake(T& part)
 {
-    return std::shared_ptr<T>(new (std::nothrow) T(value));
+    return std::shared_ptr<T>(new (std::nothrow) T(std::move(part)));
 }
 
 // The construct-then-fill pattern: a default record filled by its ReadFromParcel. A failed fill
@@ -47,18 +49,34 @@ sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char*
     return sptr<T>(record);
 }
 
-// Parameters read through their presence word into a fresh shared copy. A missing map fails with
-// `readText`, a copy that cannot be made with `newText`; `out` is only set on success or by the
-// failed copy (null).
-inline bool ReadWantParamsCopy(Parcel& parcel, std::shared_ptr<AAFwk::WantParams>& out, const char* readText,
-                               const char* newText)
+// The allocate-then-read pattern: a default record, owned here until `read` fills it. A failed
+// allocation logs and reports `newText` and reads nothing; a failed read destroys the record
+// (`read` logs its own texts) and gives null.
+template <typename T, typename Read>
+sptr<T> AllocateThenRead(const char* newText, Read read)
+{
+    std::unique_ptr<T> record(new (std::nothrow) T());
+    if (record == nullptr) {
+        return Fail(newText);
+    }
+    if (!read(*record)) {
+        return nullptr;
+    }
+    return sptr<T>(record.release());
+}
+
+// Parameters read through their presence word into a fresh shared pointer. A missing map fails
+// with `readText`, a pointer that cannot be allocated with `newText`; `out` is only set on
+// success or by the failed allocation (null).
+inline bool ReadWantParams(Parcel& parcel, std::shared_ptr<AAFwk::WantParams>& out, const char* readText,
+                           const char* newText)
 {
     sptr<AAFwk::WantParams> params = parcel.ReadStrongParcelable<AAFwk::WantParams>();
     if (params == nullptr) {
-        return FailRead(readText);
+        return Fail(readText);
     }
-    out = SharedCopy(*params);
-    return out != nullptr || FailRead(newText);
+    out = SharedTake(*params);
+    return out != nullptr || Fail(newText);
 }
 
 }  // namespace Kavo::Push::internal
