@@ -46,10 +46,9 @@ public:
 private:
     static std::string BuildLogReportDescV(char const* fmt, va_list args);
 
-    static AddEventMethod addEventMethod_;
-    static ReportExceptionMethod asyncReportException_;
-    static const std::string PUBLIC_MARKER;
-    static const std::string PRIVATE_MARKER;
+    // Detached threads may report while the process exits, so the hooks are never destroyed.
+    static AddEventMethod& AddEventHook();
+    static ReportExceptionMethod& ReportExceptionHook();
 };
 
 }  // namespace Kavo::Push
