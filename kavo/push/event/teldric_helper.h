@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 
+#include "kavo/host/log/log.h"
 #include "kavo/push/common/push_error.h"
 #include "kavo/push/common/push_export.h"
 
@@ -39,8 +40,8 @@ public:
     static void SetReportException(ReportExceptionMethod report);
     // Takes a log format: "{public}" markers are dropped, and a format with "{private}" is never
     // reported. Nothing is formatted while no hook is installed.
-    static void AsyncReportCommonException(PushInnerError const& inner, char const* fmt, ...);
-    static std::string BuildLogReportDesc(char const* fmt, ...);
+    static void AsyncReportCommonException(PushInnerError const& inner, char const* fmt, ...) KAVO_LOG_FORMAT(2, 3);
+    static std::string BuildLogReportDesc(char const* fmt, ...) KAVO_LOG_FORMAT(1, 2);
     static void FormatLogStr(std::string& text, std::string const& marker);
 
 private:
