@@ -34,7 +34,7 @@ sptr<ITimeService> GetService()
     if (samgr == nullptr) {
         return nullptr;
     }
-    return iface_cast<ITimeService>(samgr->GetSystemAbility(TIME_SERVICE_ID));
+    return iface_cast<ITimeService>(samgr->GetSystemAbility(TIME_SERVICE_ABILITY_ID));
 }
 
 }  // namespace

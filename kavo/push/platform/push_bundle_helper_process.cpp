@@ -18,7 +18,7 @@ using AppExecFwk::RunningProcessInfo;
 
 namespace {
 
-constexpr int APP_MGR_ABILITY_ID = APP_MGR_SERVICE_ID;
+constexpr int APP_MGR_ABILITY_ID = APP_SERVICE_ABILITY_ID;
 constexpr int NO_PID = INT_MIN;
 constexpr int FOREGROUND_STATE = 2;  // foreground (2) and focused (3) differ only in the lowest bit
 
