@@ -56,7 +56,7 @@ PushEventLevel::~PushEventLevel() = default;
 void PushEventReport::SendEvent(PushEvent const& event, PushEventInfo const& info)
 {
     const PushEventLevel& level = EVENT_CATALOGUE.at(event);
-    // The writer validates and rate-limits on its own; its answer changes nothing here.
+    // The writer's answer is ignored: an event it refuses is dropped without a trace.
     (void)SysEventWrite(DOMAIN_PUSH_MANAGER, level.GetName(), level.GetEventType(), EventParams(event, info));
 }
 
