@@ -102,9 +102,9 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
          [&] { return PushBundleHelper::QueryAbilityInfo(want_, 4, USER, ability_); }, 1000900001,
          "query ability info failed", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
         {[&] {
-             EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillOnce(Return(false));
+             EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _)).WillOnce(Return(false));
          },
-         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_); }, 1000900001,
+         [&] { return PushBundleHelper::GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, app_); }, 1000900001,
          "Get application info fail", &BMS, "Get Bundle Mgr Fail"},
         {[&] { EXPECT_CALL(**bms_, GetNameForUid(20010001, _)).WillOnce(Return(8521225)); },
          [&] { return PushBundleHelper::GetNameForUid(20010001, name_); }, 1000900001, "Get name for uid fail: 8521225",
@@ -216,12 +216,12 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
     for (const auto& c : cases) {
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
         app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
-        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
+        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).Succeed());
         EXPECT_EQ(flags_, c.flags);
     }
-    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillRepeatedly(Return(false));
+    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _)).WillRepeatedly(Return(false));
     EXPECT_FALSE(PushBundleHelper::IsSystemApp(MAIL, USER));
     EXPECT_TRUE(HasLine(cap_, "GetApplicationInfo fail, bundleName: com.example.mail, errInfo: "
                               "Get application info fail: error(1000900001)"));
@@ -363,43 +363,38 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
         Query query;
         std::string expected;
     };
-    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::APP_STATE_BACKGROUND),
-                                                  P(11, UID, S::APP_STATE_FOREGROUND)};
+    const std::vector<RunningProcessInfo> bgFg = {P(10, UID, S::BACKGROUND), P(11, UID, S::FOREGROUND)};
     const std::string none = std::to_string(INT_MIN);
     const Case cases[] = {
         {"foreground process after a background one", bgFg, FOREGROUND, "fg 11"},
         {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
-        {"focused counts as foreground", {P(12, UID, S::APP_STATE_FOCUS)}, FOREGROUND, "fg 12"},
-        {"other uids are skipped", {P(13, OTHER, S::APP_STATE_FOREGROUND)}, FOREGROUND, "bg -7"},
+        {"focused counts as foreground", {P(12, UID, S::FOCUSED)}, FOREGROUND, "fg 12"},
+        {"other uids are skipped", {P(13, OTHER, S::FOREGROUND)}, FOREGROUND, "bg -7"},
         {"the last background main process wins",
-         {P(14, UID, S::APP_STATE_BACKGROUND), P(15, UID, S::APP_STATE_READY)},
+         {P(14, UID, S::BACKGROUND), P(15, UID, S::READY)},
          FOREGROUND,
          "bg 15"},
         {"extension: only the remote-notification one sets the pid",
-         {E(16, UID, S::APP_STATE_BACKGROUND, T::PUSH), E(17, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION),
-          P(18, UID, S::APP_STATE_BACKGROUND)},
+         {E(16, UID, S::BACKGROUND, T::PUSH), E(17, UID, S::BACKGROUND, T::REMOTE_NOTIFICATION),
+          P(18, UID, S::BACKGROUND)},
          FOREGROUND_EXTENSION,
          "bg 17"},
         {"extension found before a foreground process keeps its pid",
-         {E(19, UID, S::APP_STATE_BACKGROUND, T::REMOTE_NOTIFICATION), P(20, UID, S::APP_STATE_FOREGROUND)},
+         {E(19, UID, S::BACKGROUND, T::REMOTE_NOTIFICATION), P(20, UID, S::FOREGROUND)},
          FOREGROUND_EXTENSION,
          "fg 19"},
         {"the walk stops at the foreground process",
-         {P(21, UID, S::APP_STATE_FOREGROUND), P(22, UID, S::APP_STATE_BACKGROUND)},
+         {P(21, UID, S::FOREGROUND), P(22, UID, S::BACKGROUND)},
          FOREGROUND,
          "fg 21"},
         {"child: type, extension type and uid must all match",
-         {E(30, OTHER, S::APP_STATE_READY, T::PUSH), E(31, UID, S::APP_STATE_READY, T::VOIP),
-          E(32, UID, S::APP_STATE_READY, T::PUSH), E(33, UID, S::APP_STATE_READY, T::PUSH)},
+         {E(30, OTHER, S::READY, T::PUSH), E(31, UID, S::READY, T::VOIP), E(32, UID, S::READY, T::PUSH),
+          E(33, UID, S::READY, T::PUSH)},
          CHILD,
          "32"},
-        {"child: a normal process is no child",
-         {P(34, UID, S::APP_STATE_READY, ProcessType::NORMAL, T::PUSH)},
-         CHILD,
-         none},
+        {"child: a normal process is no child", {P(34, UID, S::READY, ProcessType::NORMAL, T::PUSH)}, CHILD, none},
         {"parent: extensions of the uid are passed over",
-         {E(35, UID, S::APP_STATE_READY, T::PUSH), P(36, OTHER, S::APP_STATE_READY), P(37, UID, S::APP_STATE_READY),
-          P(38, UID, S::APP_STATE_READY)},
+         {E(35, UID, S::READY, T::PUSH), P(36, OTHER, S::READY), P(37, UID, S::READY), P(38, UID, S::READY)},
          PARENT,
          "37"},
     };
@@ -422,26 +417,16 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
     };
     const Case cases[] = {
         {"nothing runs: no uid lookup", {}, false, false, "", -1},
-        {"the main process's state",
-         {E(50, UID, S::APP_STATE_READY, T::PUSH), P(51, UID, S::APP_STATE_FOCUS)},
-         true,
-         true,
-         "",
-         3},
+        {"the main process's state", {E(50, UID, S::READY, T::PUSH), P(51, UID, S::FOCUSED)}, true, true, "", 3},
         {"the named extension's state",
-         {P(52, UID, S::APP_STATE_FOREGROUND), E(53, UID, S::APP_STATE_BACKGROUND, T::VOIP)},
+         {P(52, UID, S::FOREGROUND), E(53, UID, S::BACKGROUND, T::VOIP)},
          true,
          false,
          "voip",
          4},
-        {"another uid: only its push extension counts",
-         {E(41, OTHER, S::APP_STATE_READY, T::PUSH)},
-         false,
-         true,
-         "",
-         -1},
+        {"another uid: only its push extension counts", {E(41, OTHER, S::READY, T::PUSH)}, false, true, "", -1},
         {"an unknown extension name matches nothing",
-         {E(55, UID, S::APP_STATE_READY, T::REMOTE_NOTIFICATION)},
+         {E(55, UID, S::READY, T::REMOTE_NOTIFICATION)},
          true,
          false,
          "Push",
@@ -461,7 +446,7 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
         EXPECT_EQ(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH), c.pushRunning);
         Answer(c.list);
         EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).Times(lookups);
-        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
+        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         state_ = 9;
         EXPECT_TRUE(PushBundleHelper::GetAppProcessState({MAIL, USER, 0, c.extension}, state_, flags_).Succeed());

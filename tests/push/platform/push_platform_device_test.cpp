@@ -66,10 +66,9 @@ protected:
         browser.abilities = {
             Ability("Viewer", {"kavo.want.action.viewData"}, {"entity.system.browsable"}, {"https://", "http://"})};
         device_.InstallBundle(browser);
-        device_.StartProcess({MAIL, USER, 0, 3001, S::APP_STATE_BACKGROUND});
-        device_.StartProcess(
-            {MAIL, USER, 0, 3002, S::APP_STATE_FOREGROUND, ProcessType::EXTENSION, T::REMOTE_NOTIFICATION});
-        device_.StartProcess({MAIL, USER, 1, 3003, S::APP_STATE_READY, ProcessType::EXTENSION, T::PUSH});
+        device_.StartProcess({MAIL, USER, 0, 3001, S::BACKGROUND});
+        device_.StartProcess({MAIL, USER, 0, 3002, S::FOREGROUND, ProcessType::EXTENSION, T::REMOTE_NOTIFICATION});
+        device_.StartProcess({MAIL, USER, 1, 3003, S::READY, ProcessType::EXTENSION, T::PUSH});
         device_.SetProcessIdentity("com.kavo.push", USER * 200000 + 3100);
         device_.Activate();
         mailWant_.SetBundle(MAIL);
