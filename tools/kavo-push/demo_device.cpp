@@ -86,7 +86,7 @@ DemoDevice::DemoDevice(const DemoScenario& scenario)
         mail.extensions = {extension};
     }
     device_.InstallBundle(mail);
-    device_.StartProcess({DemoApp::BUNDLE, DemoApp::USER, 0, DemoApp::MAIN_PID, AppProcessState::APP_STATE_BACKGROUND});
+    device_.StartProcess({DemoApp::BUNDLE, DemoApp::USER, 0, DemoApp::MAIN_PID, AppProcessState::BACKGROUND});
     device_.SetProcessIdentity("com.kavo.push", DemoApp::USER * 200000 + 3100);
     if (scenario.accountServiceDelay > ON_TIME) {
         Status::SetStatus(Kavo::Host::Device::ACCOUNT_SERVICE, Status::STOPPED);

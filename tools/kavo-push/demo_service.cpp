@@ -139,7 +139,7 @@ PushBaseRsp RunExtension(Run& run, Kavo::Parcel& reply)
     }
     pid_t pid = extension.Pid();
     run.trace.SetProcesses(getpid(), pid);
-    run.device.StartProcess({bundle, run.caller.userId, run.caller.appIndex, pid, AppProcessState::APP_STATE_READY,
+    run.device.StartProcess({bundle, run.caller.userId, run.caller.appIndex, pid, AppProcessState::READY,
                              ProcessType::EXTENSION, ExtensionAbilityType::REMOTE_NOTIFICATION});
     run.trace.Step("start extension", "ok", "pid " + std::to_string(pid) + ": " + command);
     PushBaseRsp rsp = CallExtension(run, extension, reply);

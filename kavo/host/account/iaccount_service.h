@@ -19,8 +19,8 @@ using ErrCode = int32_t;
 constexpr ErrCode ACCOUNT_SERVICE_UNAVAILABLE = 4194321;
 // Answered for an account or uid the service does not know.
 constexpr ErrCode ACCOUNT_NOT_FOUND = 4194323;
-// Each OS account owns the uids [localId * UID_TRANSFORM_DIVISOR, (localId + 1) * UID_TRANSFORM_DIVISOR).
-constexpr int32_t UID_TRANSFORM_DIVISOR = 200000;
+// Each OS account owns the uids [localId * UIDS_PER_ACCOUNT, (localId + 1) * UIDS_PER_ACCOUNT).
+constexpr int32_t UIDS_PER_ACCOUNT = 200000;
 
 struct ForegroundOsAccount {
     int32_t localId = -1;

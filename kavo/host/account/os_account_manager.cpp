@@ -18,7 +18,7 @@ sptr<IAccountService> GetService()
     if (samgr == nullptr) {
         return nullptr;
     }
-    return iface_cast<IAccountService>(samgr->GetSystemAbility(SUBSYS_ACCOUNT_SYS_ABILITY_ID));
+    return iface_cast<IAccountService>(samgr->GetSystemAbility(ACCOUNT_SERVICE_ABILITY_ID));
 }
 
 template <typename Call>

@@ -15,12 +15,12 @@
 namespace Kavo::AppExecFwk {
 
 enum class AppProcessState : int32_t {
-    APP_STATE_CREATE = 0,
-    APP_STATE_READY = 1,
-    APP_STATE_FOREGROUND = 2,
-    APP_STATE_FOCUS = 3,
-    APP_STATE_BACKGROUND = 4,
-    APP_STATE_TERMINATED = 5,
+    CREATED = 0,
+    READY = 1,
+    FOREGROUND = 2,
+    FOCUSED = 3,
+    BACKGROUND = 4,
+    TERMINATED = 5,
 };
 
 enum class ProcessType : int32_t {
@@ -32,7 +32,7 @@ struct RunningProcessInfo {
     std::string processName;
     int32_t pid = 0;
     int32_t uid = 0;
-    AppProcessState state = AppProcessState::APP_STATE_CREATE;
+    AppProcessState state = AppProcessState::CREATED;
     ProcessType processType = ProcessType::NORMAL;
     ExtensionAbilityType extensionType = ExtensionAbilityType::UNSPECIFIED;
     std::vector<std::string> bundleNames;

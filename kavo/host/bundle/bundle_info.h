@@ -11,9 +11,6 @@
 namespace Kavo::AppExecFwk {
 
 enum class ExtensionAbilityType : int32_t {
-    FORM = 0,
-    WORK_SCHEDULER = 1,
-    INPUTMETHOD = 2,
     SERVICE = 3,
     PUSH = 17,
     REMOTE_NOTIFICATION = 260,
@@ -23,15 +20,15 @@ enum class ExtensionAbilityType : int32_t {
 };
 
 enum ApplicationFlag : int32_t {
-    GET_BASIC_APPLICATION_INFO = 0x00000000,
-    GET_APPLICATION_INFO_WITH_PERMISSION = 0x00000008,
-    GET_APPLICATION_INFO_WITH_METADATA = 0x00000040,
+    APPLICATION_INFO_BASIC = 0x00000000,
+    APPLICATION_INFO_WITH_PERMISSIONS = 0x00000008,
+    APPLICATION_INFO_WITH_METADATA = 0x00000040,
 };
 
 // Flags of the bundle-record queries.
-enum GetBundleInfoFlag : int32_t {
-    GET_BUNDLE_INFO_DEFAULT = 0x00000000,
-    GET_BUNDLE_INFO_WITH_APPLICATION = 0x00000001,
+enum BundleInfoFlag : int32_t {
+    BUNDLE_INFO_DEFAULT = 0x00000000,
+    BUNDLE_INFO_WITH_APPLICATION = 0x00000001,
 };
 
 // Return codes of the bundle manager.

@@ -59,7 +59,7 @@ struct InstalledBundle {
 struct RunningProcess {
     RunningProcess() = default;
     RunningProcess(std::string bundle, int32_t user, int32_t index, int32_t processId,
-                   AppExecFwk::AppProcessState processState = AppExecFwk::AppProcessState::APP_STATE_READY,
+                   AppExecFwk::AppProcessState processState = AppExecFwk::AppProcessState::READY,
                    AppExecFwk::ProcessType processType = AppExecFwk::ProcessType::NORMAL,
                    AppExecFwk::ExtensionAbilityType extension = AppExecFwk::ExtensionAbilityType::UNSPECIFIED)
         : bundleName(std::move(bundle)), userId(user), appIndex(index), pid(processId), state(processState),
@@ -71,7 +71,7 @@ struct RunningProcess {
     int32_t userId = 100;
     int32_t appIndex = 0;
     int32_t pid = 0;
-    AppExecFwk::AppProcessState state = AppExecFwk::AppProcessState::APP_STATE_READY;
+    AppExecFwk::AppProcessState state = AppExecFwk::AppProcessState::READY;
     AppExecFwk::ProcessType type = AppExecFwk::ProcessType::NORMAL;
     AppExecFwk::ExtensionAbilityType extensionType = AppExecFwk::ExtensionAbilityType::UNSPECIFIED;
 };

@@ -24,18 +24,18 @@ public:
 
 class KAVO_HOST_EXPORT IRemoteObject : public virtual RefBase {
 public:
-    IRemoteObject(std::u16string descriptor, sptr<ServiceInterface> broker)
-        : descriptor_(std::move(descriptor)), broker_(std::move(broker))
+    IRemoteObject(std::u16string descriptor, sptr<ServiceInterface> service)
+        : descriptor_(std::move(descriptor)), service_(std::move(service))
     {
     }
     ~IRemoteObject() override = default;
 
-    const std::u16string& GetObjectDescriptor() const { return descriptor_; }
-    const sptr<ServiceInterface>& GetBroker() const { return broker_; }
+    const std::u16string& GetInterfaceDescriptor() const { return descriptor_; }
+    const sptr<ServiceInterface>& GetService() const { return service_; }
 
 private:
     std::u16string descriptor_;
-    sptr<ServiceInterface> broker_;
+    sptr<ServiceInterface> service_;
 };
 
 // The remote object of a service, announced under the descriptor of interface I.
@@ -50,10 +50,11 @@ sptr<IRemoteObject> AsRemoteObject(const sptr<I>& service)
 template <typename I>
 sptr<I> iface_cast(const sptr<IRemoteObject>& remote)
 {
-    if (remote == nullptr || remote->GetObjectDescriptor() != I::GetDescriptor() || remote->GetBroker() == nullptr) {
+    if (remote == nullptr || remote->GetInterfaceDescriptor() != I::GetDescriptor() ||
+        remote->GetService() == nullptr) {
         return nullptr;
     }
-    return sptr<I>(dynamic_cast<I*>(remote->GetBroker().GetRefPtr()));
+    return sptr<I>(dynamic_cast<I*>(remote->GetService().GetRefPtr()));
 }
 
 }  // namespace Kavo

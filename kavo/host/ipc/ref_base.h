@@ -21,15 +21,15 @@ public:
     RefBase& operator=(const RefBase&) noexcept { return *this; }  // NOLINT(cert-oop54-cpp)
     virtual ~RefBase() = default;
 
-    void IncStrongRef() const noexcept { strongCount_.fetch_add(1, std::memory_order_relaxed); }
+    void AcquireStrong() const noexcept { strongCount_.fetch_add(1, std::memory_order_relaxed); }
     // Deletes the object when the last strong reference lets go.
-    void DecStrongRef() const noexcept
+    void ReleaseStrong() const noexcept
     {
         if (strongCount_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             delete this;
         }
     }
-    int GetSptrRefCount() const noexcept { return strongCount_.load(std::memory_order_relaxed); }
+    int StrongCount() const noexcept { return strongCount_.load(std::memory_order_relaxed); }
 
 private:
     mutable std::atomic<int> strongCount_{0};
@@ -85,13 +85,13 @@ private:
     void Acquire() const noexcept
     {
         if (ptr_ != nullptr) {
-            ptr_->IncStrongRef();
+            ptr_->AcquireStrong();
         }
     }
     void Release() noexcept
     {
         if (ptr_ != nullptr) {
-            std::exchange(ptr_, nullptr)->DecStrongRef();
+            std::exchange(ptr_, nullptr)->ReleaseStrong();
         }
     }
 

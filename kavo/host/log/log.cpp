@@ -12,15 +12,16 @@ namespace Kavo {
 
 namespace {
 
+// Never destroyed: detached threads may still log while the process exits.
 std::mutex& CaptureMutex()
 {
-    static std::mutex mutex;
+    static std::mutex& mutex = *new std::mutex;
     return mutex;
 }
 
 std::vector<LogCapture*>& ActiveCaptures()
 {
-    static std::vector<LogCapture*> captures;
+    static std::vector<LogCapture*>& captures = *new std::vector<LogCapture*>;
     return captures;
 }
 

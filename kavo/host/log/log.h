@@ -17,6 +17,15 @@
 
 #include "kavo/host/host_export.h"
 
+// printf checking of log formats. A privacy marker ("%{public}s") is no printf conversion, so the
+// check is on only in the format-check build (scripts/check-log-formats.sh), which compiles a
+// copy of the sources with the markers stripped from their text.
+#ifdef KAVO_LOG_FORMAT_CHECK
+#define KAVO_LOG_FORMAT(formatIndex, firstArgIndex) __attribute__((format(printf, formatIndex, firstArgIndex)))
+#else
+#define KAVO_LOG_FORMAT(formatIndex, firstArgIndex)
+#endif
+
 namespace Kavo {
 
 // The push service logs from one source, the system-service log (type 3).
@@ -24,7 +33,7 @@ enum LogSource : int { LOG_SOURCE_SERVICE = 3 };
 enum LogLevel : int { LEVEL_DEBUG = 3, LEVEL_INFO = 4, LEVEL_WARN = 5, LEVEL_ERROR = 6, LEVEL_FATAL = 7 };
 
 KAVO_HOST_EXPORT int LogPrint(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
-                              ...);
+                              ...) KAVO_LOG_FORMAT(5, 6);
 KAVO_HOST_EXPORT int LogPrintV(LogSource type, LogLevel level, unsigned int domain, const char* tag, const char* fmt,
                                va_list args);
 

@@ -20,10 +20,10 @@
 namespace Kavo {
 
 // Ids of the standard services.
-constexpr int32_t SUBSYS_ACCOUNT_SYS_ABILITY_ID = 200;
-constexpr int32_t BUNDLE_MGR_SERVICE_SYS_ABILITY_ID = 401;
-constexpr int32_t APP_MGR_SERVICE_ID = 501;
-constexpr int32_t TIME_SERVICE_ID = 3702;
+constexpr int32_t ACCOUNT_SERVICE_ABILITY_ID = 200;
+constexpr int32_t BUNDLE_SERVICE_ABILITY_ID = 401;
+constexpr int32_t APP_SERVICE_ABILITY_ID = 501;
+constexpr int32_t TIME_SERVICE_ABILITY_ID = 3702;
 
 class KAVO_HOST_EXPORT ISystemAbilityManager : public virtual RefBase {
 public:

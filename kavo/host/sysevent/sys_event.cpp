@@ -12,9 +12,19 @@ namespace Kavo {
 
 namespace {
 
-std::mutex g_recordersMutex;
-std::set<SysEventRecorder*> g_recorders;
-std::mutex g_fileMutex;
+// The recorders and the locks are never destroyed: detached threads may still write events
+// while the process exits.
+struct Writers {
+    std::mutex recordersMutex;
+    std::set<SysEventRecorder*> recorders;
+    std::mutex fileMutex;
+};
+
+Writers& Shared()
+{
+    static Writers& writers = *new Writers;
+    return writers;
+}
 
 void AppendJsonString(std::string& out, const std::string& text)
 {
@@ -82,7 +92,7 @@ void AppendToFile(const std::string& line)
     if (path == nullptr || *path == '\0') {
         return;
     }
-    std::lock_guard<std::mutex> lock(g_fileMutex);
+    std::lock_guard<std::mutex> lock(Shared().fileMutex);
     int fd = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     if (fd < 0) {
         return;
@@ -127,8 +137,8 @@ int SysEventWrite(const std::string& domain, const std::string& name, SysEventTy
     }
     SysEventRecord record{domain, name, type, params};
     {
-        std::lock_guard<std::mutex> lock(g_recordersMutex);
-        for (SysEventRecorder* recorder : g_recorders) {
+        std::lock_guard<std::mutex> lock(Shared().recordersMutex);
+        for (SysEventRecorder* recorder : Shared().recorders) {
             recorder->Record(record);
         }
     }
@@ -143,15 +153,15 @@ struct SysEventRecorder::State {
 
 SysEventRecorder::SysEventRecorder() : state_(new State)
 {
-    std::lock_guard<std::mutex> lock(g_recordersMutex);
-    g_recorders.insert(this);
+    std::lock_guard<std::mutex> lock(Shared().recordersMutex);
+    Shared().recorders.insert(this);
 }
 
 SysEventRecorder::~SysEventRecorder()
 {
     {
-        std::lock_guard<std::mutex> lock(g_recordersMutex);
-        g_recorders.erase(this);
+        std::lock_guard<std::mutex> lock(Shared().recordersMutex);
+        Shared().recorders.erase(this);
     }
     delete state_;
 }

@@ -1,18 +1,41 @@
 #include "kavo/host/time/time_service.h"
 
 #include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
 
 namespace Kavo::MiscServices {
 
-TimeService::TimeService() : worker_([this] { Run(); }) {}
+// Everything the worker thread touches. The worker holds its own reference, so the service
+// object may go away while a callback runs on the worker.
+struct TimeService::State {
+    struct Timer {
+        std::shared_ptr<ITimerInfo> info;
+        bool armed = false;
+        uint64_t deadlineMs = 0;
+    };
+
+    // The id of the earliest armed timer whose deadline has passed, or 0; sets `waitMs` to the
+    // time until the earliest deadline (or -1 when nothing is armed). Called with `mutex` held.
+    uint64_t TakeDue(int64_t& waitMs);
+
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    std::map<uint64_t, Timer> timers;
+    uint64_t nextId = 1;
+    bool stopping = false;
+};
+
+TimeService::TimeService() : state_(std::make_shared<State>()), worker_([state = state_] { Run(state); }) {}
 
 TimeService::~TimeService()
 {
     {
-        std::lock_guard<std::mutex> lock(mutex_);
-        stopping_ = true;
+        std::lock_guard<std::mutex> lock(state_->mutex);
+        state_->stopping = true;
     }
-    changed_.notify_all();
+    state_->changed.notify_all();
     if (worker_.get_id() == std::this_thread::get_id()) {
         worker_.detach();  // the last reference went away inside a callback
     } else {
@@ -25,32 +48,32 @@ uint64_t TimeService::CreateTimer(std::shared_ptr<ITimerInfo> timerInfo)
     if (timerInfo == nullptr) {
         return 0;
     }
-    std::lock_guard<std::mutex> lock(mutex_);
-    uint64_t id = nextId_++;
-    timers_[id].info = std::move(timerInfo);
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    uint64_t id = state_->nextId++;
+    state_->timers[id].info = std::move(timerInfo);
     return id;
 }
 
 bool TimeService::StartTimer(uint64_t timerId, uint64_t triggerTimeMs)
 {
     {
-        std::lock_guard<std::mutex> lock(mutex_);
-        auto it = timers_.find(timerId);
-        if (it == timers_.end()) {
+        std::lock_guard<std::mutex> lock(state_->mutex);
+        auto it = state_->timers.find(timerId);
+        if (it == state_->timers.end()) {
             return false;
         }
         it->second.armed = true;
         it->second.deadlineMs = triggerTimeMs;
     }
-    changed_.notify_all();
+    state_->changed.notify_all();
     return true;
 }
 
 bool TimeService::StopTimer(uint64_t timerId)
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    auto it = timers_.find(timerId);
-    if (it == timers_.end()) {
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    auto it = state_->timers.find(timerId);
+    if (it == state_->timers.end()) {
         return false;
     }
     it->second.armed = false;
@@ -59,35 +82,35 @@ bool TimeService::StopTimer(uint64_t timerId)
 
 bool TimeService::DestroyTimer(uint64_t timerId)
 {
-    std::shared_ptr<ITimerInfo> released;  // dropped after the lock
-    std::lock_guard<std::mutex> lock(mutex_);
-    auto it = timers_.find(timerId);
-    if (it == timers_.end()) {
+    std::shared_ptr<ITimerInfo> released;  // the info's destructor runs after the lock is let go
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    auto it = state_->timers.find(timerId);
+    if (it == state_->timers.end()) {
         return false;
     }
     released = std::move(it->second.info);
-    timers_.erase(it);
+    state_->timers.erase(it);
     return true;
 }
 
 size_t TimeService::TimerCount() const
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return timers_.size();
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    return state_->timers.size();
 }
 
 bool TimeService::IsArmed(uint64_t timerId) const
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    auto it = timers_.find(timerId);
-    return it != timers_.end() && it->second.armed;
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    auto it = state_->timers.find(timerId);
+    return it != state_->timers.end() && it->second.armed;
 }
 
-uint64_t TimeService::TakeDue(int64_t& waitMs)
+uint64_t TimeService::State::TakeDue(int64_t& waitMs)
 {
     int64_t now = TimeServiceClient::ReadBootClockMs();
     waitMs = -1;
-    for (auto& [id, timer] : timers_) {
+    for (auto& [id, timer] : timers) {
         if (!timer.armed) {
             continue;
         }
@@ -107,14 +130,14 @@ uint64_t TimeService::TakeDue(int64_t& waitMs)
     return 0;
 }
 
-void TimeService::Run()
+void TimeService::Run(const std::shared_ptr<State>& state)
 {
-    std::unique_lock<std::mutex> lock(mutex_);
-    while (!stopping_) {
+    std::unique_lock<std::mutex> lock(state->mutex);
+    while (!state->stopping) {
         int64_t waitMs = -1;
-        uint64_t due = TakeDue(waitMs);
+        uint64_t due = state->TakeDue(waitMs);
         if (due != 0) {
-            std::shared_ptr<ITimerInfo> info = timers_[due].info;
+            std::shared_ptr<ITimerInfo> info = state->timers[due].info;
             lock.unlock();
             info->OnTrigger();
             info.reset();
@@ -122,9 +145,9 @@ void TimeService::Run()
             continue;
         }
         if (waitMs < 0) {
-            changed_.wait(lock);
+            state->changed.wait(lock);
         } else {
-            changed_.wait_for(lock, std::chrono::milliseconds(waitMs));
+            state->changed.wait_for(lock, std::chrono::milliseconds(waitMs));
         }
     }
 }

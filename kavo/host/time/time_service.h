@@ -2,15 +2,14 @@
 // for the earliest armed deadline of the boot clock and runs OnTrigger there, without holding
 // the service's lock; a repeating timer is re-armed interval milliseconds later. All
 // operations are thread-safe; destroying the service stops the worker after the callback
-// that may be running.
+// that may be running. The service may be destroyed from inside OnTrigger (its last
+// reference dropped there): the worker shares ownership of the timers and the lock, so it
+// finishes on live state and ends by itself.
 #ifndef KAVO_HOST_TIME_TIME_SERVICE_H
 #define KAVO_HOST_TIME_TIME_SERVICE_H
 
-#include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "kavo/host/host_export.h"
@@ -37,22 +36,11 @@ public:
     bool IsArmed(uint64_t timerId) const;
 
 private:
-    struct Timer {
-        std::shared_ptr<ITimerInfo> info;
-        bool armed = false;
-        uint64_t deadlineMs = 0;
-    };
+    struct State;
 
-    void Run();
-    // The id of the earliest armed timer whose deadline has passed, or 0; sets `waitMs` to the
-    // time until the earliest deadline (or -1 when nothing is armed).
-    uint64_t TakeDue(int64_t& waitMs);
+    static void Run(const std::shared_ptr<State>& state);
 
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::map<uint64_t, Timer> timers_;
-    uint64_t nextId_ = 1;
-    bool stopping_ = false;
+    std::shared_ptr<State> state_;
     std::thread worker_;
 };
 

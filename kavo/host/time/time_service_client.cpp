@@ -15,8 +15,18 @@ constexpr int64_t MS_PER_SECOND = 1000;
 constexpr int64_t NS_PER_MS = 1000000;
 
 std::atomic<bool> g_clientAvailable{true};
-std::mutex g_sourceMutex;
-TimeServiceClient::BootTimeSource g_bootTimeSource;
+
+// Never destroyed: timer callbacks on detached threads may read the clock while the process exits.
+struct BootTimeSourceSlot {
+    std::mutex mutex;
+    TimeServiceClient::BootTimeSource source;
+};
+
+BootTimeSourceSlot& SourceSlot()
+{
+    static BootTimeSourceSlot& slot = *new BootTimeSourceSlot;
+    return slot;
+}
 
 sptr<ITimeService> GetService()
 {
@@ -24,7 +34,7 @@ sptr<ITimeService> GetService()
     if (samgr == nullptr) {
         return nullptr;
     }
-    return iface_cast<ITimeService>(samgr->GetSystemAbility(TIME_SERVICE_ID));
+    return iface_cast<ITimeService>(samgr->GetSystemAbility(TIME_SERVICE_ABILITY_ID));
 }
 
 }  // namespace
@@ -69,8 +79,8 @@ int64_t TimeServiceClient::GetBootTimeMs()
 {
     BootTimeSource source;
     {
-        std::lock_guard<std::mutex> lock(g_sourceMutex);
-        source = g_bootTimeSource;
+        std::lock_guard<std::mutex> lock(SourceSlot().mutex);
+        source = SourceSlot().source;
     }
     return source ? source() : ReadBootClockMs();
 }
@@ -82,8 +92,8 @@ void TimeServiceClient::SetClientAvailable(bool available)
 
 void TimeServiceClient::SetBootTimeSource(BootTimeSource source)
 {
-    std::lock_guard<std::mutex> lock(g_sourceMutex);
-    g_bootTimeSource = std::move(source);
+    std::lock_guard<std::mutex> lock(SourceSlot().mutex);
+    SourceSlot().source = std::move(source);
 }
 
 int64_t TimeServiceClient::ReadBootClockMs()

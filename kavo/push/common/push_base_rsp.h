@@ -22,8 +22,8 @@ public:
     PushBaseRsp(PushError const& err);
     // The description is formatted from an ordinary printf format, at most 4096 characters;
     // a format that fails or is longer leaves the description empty.
-    PushBaseRsp(PushError const& err, char const* fmt, ...);
-    PushBaseRsp(int subStatusCode, PushError const& err, char const* fmt, ...);
+    PushBaseRsp(PushError const& err, char const* fmt, ...) __attribute__((format(printf, 3, 4)));
+    PushBaseRsp(int subStatusCode, PushError const& err, char const* fmt, ...) __attribute__((format(printf, 4, 5)));
     PushBaseRsp(PushError const& err, std::string const& desc);
     PushBaseRsp(PushError const& err, int innerErr, std::string const& desc);
     PushBaseRsp(PushInnerError const& inner);

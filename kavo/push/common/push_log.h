@@ -13,8 +13,9 @@
 namespace Kavo::Push {
 
 constexpr unsigned int PUSH_LOG_DOMAIN = 0xD005300;
-// One process-wide tag, initialised once whichever source file logs first.
-inline const std::string PUSH_LOG_TAG = "push";
+// One process-wide tag, initialised once whichever source file logs first. Never destroyed:
+// detached threads may still log while the process exits.
+inline const std::string& PUSH_LOG_TAG = *new std::string("push");
 
 }  // namespace Kavo::Push
 

@@ -16,7 +16,7 @@ bool IsAsciiAlnum(char c)
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
 }
 
-// Keeps the first half of the text; '.' and ':' are always kept so the shape stays readable.
+// Keeps the first half of the text; '.' and ':' are always kept.
 std::string AnonymizeHalfString(std::string const& value)
 {
     uint32_t half = static_cast<uint32_t>(value.size()) / 2;

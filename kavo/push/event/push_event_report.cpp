@@ -6,16 +6,18 @@ namespace Kavo::Push {
 
 namespace {
 
-const std::string DOMAIN_PUSH_MANAGER = "PUSH_MANAGER";
-const std::string KEY_EXTENSION_TYPE = "EXTENSION_TYPE";
-const std::string KEY_URI = "URI";
-const std::string KEY_BUNDLE_NAME = "BUNDLE_NAME";
-const std::string KEY_ABILITY_NAME = "ABILITY_NAME";
-const std::string KEY_ACCOUNT_ID = "ACCOUNT_ID";
-const std::string KEY_ERROR_CODE = "ERROR_CODE";
-const std::string KEY_COST_TIME = "COST_TIME";
+// The catalogue and its keys are built at load time and never destroyed: detached threads may
+// still send events while the process exits.
+const std::string& DOMAIN_PUSH_MANAGER = *new std::string("PUSH_MANAGER");
+const std::string& KEY_EXTENSION_TYPE = *new std::string("EXTENSION_TYPE");
+const std::string& KEY_URI = *new std::string("URI");
+const std::string& KEY_BUNDLE_NAME = *new std::string("BUNDLE_NAME");
+const std::string& KEY_ABILITY_NAME = *new std::string("ABILITY_NAME");
+const std::string& KEY_ACCOUNT_ID = *new std::string("ACCOUNT_ID");
+const std::string& KEY_ERROR_CODE = *new std::string("ERROR_CODE");
+const std::string& KEY_COST_TIME = *new std::string("COST_TIME");
 
-const std::map<PushEvent, PushEventLevel> EVENT_CATALOGUE = {
+const std::map<PushEvent, PushEventLevel>& EVENT_CATALOGUE = *new std::map<PushEvent, PushEventLevel>{
     {PushEvent::START_EXTENSION, PushEventLevel("START_EXTENSION", EventType::BEHAVIOR)},
     {PushEvent::START_EXTENSION_ERROR, PushEventLevel("START_EXTENSION_ERROR", EventType::FAULT)},
     {PushEvent::CONNECT_PUSHSERVICE_ERROR, PushEventLevel("CONNECT_PUSHSERVICE_ERROR", EventType::FAULT)},
@@ -54,7 +56,7 @@ PushEventLevel::~PushEventLevel() = default;
 void PushEventReport::SendEvent(PushEvent const& event, PushEventInfo const& info)
 {
     const PushEventLevel& level = EVENT_CATALOGUE.at(event);
-    // The writer validates and rate-limits on its own; its answer changes nothing here.
+    // The writer's answer is ignored: an event it refuses is dropped without a trace.
     (void)SysEventWrite(DOMAIN_PUSH_MANAGER, level.GetName(), level.GetEventType(), EventParams(event, info));
 }
 

@@ -8,10 +8,11 @@
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/event/teldric_helper.h"
 
+// Each argument is evaluated once, before the line is logged; the same values are then reported.
 #define PUSH_LOGE_AND_REPORT(inner, fmt, ...)                                                                          \
-    do {                                                                                                               \
-        PUSH_LOGE(fmt, ##__VA_ARGS__);                                                                                 \
-        ::Kavo::Push::TeldricHelper::AsyncReportCommonException((inner), fmt, ##__VA_ARGS__);                          \
-    } while (false)
+    [&](auto&&... pushReportArgs) {                                                                                    \
+        PUSH_LOGE(fmt, pushReportArgs...);                                                                             \
+        ::Kavo::Push::TeldricHelper::AsyncReportCommonException((inner), fmt, pushReportArgs...);                      \
+    }(__VA_ARGS__)
 
 #endif  // KAVO_PUSH_EVENT_REPORT_LOG_H

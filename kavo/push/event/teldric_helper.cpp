@@ -6,32 +6,47 @@
 
 namespace Kavo::Push {
 
-TeldricHelper::AddEventMethod TeldricHelper::addEventMethod_;
-TeldricHelper::ReportExceptionMethod TeldricHelper::asyncReportException_;
-const std::string TeldricHelper::PUBLIC_MARKER = "{public}";
-const std::string TeldricHelper::PRIVATE_MARKER = "{private}";
+namespace {
+
+constexpr char PUBLIC_MARKER[] = "{public}";
+constexpr char PRIVATE_MARKER[] = "{private}";
+
+}  // namespace
+
+TeldricHelper::AddEventMethod& TeldricHelper::AddEventHook()
+{
+    static AddEventMethod& hook = *new AddEventMethod;
+    return hook;
+}
+
+TeldricHelper::ReportExceptionMethod& TeldricHelper::ReportExceptionHook()
+{
+    static ReportExceptionMethod& hook = *new ReportExceptionMethod;
+    return hook;
+}
 
 void TeldricHelper::RegisterAddEventMethod(AddEventMethod const& method)
 {
-    addEventMethod_ = method;
+    AddEventHook() = method;
 }
 
 void TeldricHelper::AddEvent(ComponentCode component, std::string const& apiName, ApiStatusCode status,
                              std::string const& detail)
 {
-    if (addEventMethod_) {
-        addEventMethod_(component, apiName, status, detail);
+    if (const AddEventMethod& hook = AddEventHook()) {
+        hook(component, apiName, status, detail);
     }
 }
 
 void TeldricHelper::SetReportException(ReportExceptionMethod report)
 {
-    asyncReportException_ = std::move(report);
+    ReportExceptionHook() = std::move(report);
 }
 
 void TeldricHelper::AsyncReportCommonException(PushInnerError const& inner, char const* fmt, ...)
 {
-    if (!asyncReportException_) {
+    const ReportExceptionMethod& hook = ReportExceptionHook();
+    if (!hook) {
         return;
     }
     va_list args;
@@ -41,7 +56,7 @@ void TeldricHelper::AsyncReportCommonException(PushInnerError const& inner, char
     if (desc.empty()) {
         return;
     }
-    asyncReportException_(inner, desc);
+    hook(inner, desc);
 }
 
 std::string TeldricHelper::BuildLogReportDesc(char const* fmt, ...)

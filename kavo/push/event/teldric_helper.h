@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 
+#include "kavo/host/log/log.h"
 #include "kavo/push/common/push_error.h"
 #include "kavo/push/common/push_export.h"
 
@@ -39,17 +40,16 @@ public:
     static void SetReportException(ReportExceptionMethod report);
     // Takes a log format: "{public}" markers are dropped, and a format with "{private}" is never
     // reported. Nothing is formatted while no hook is installed.
-    static void AsyncReportCommonException(PushInnerError const& inner, char const* fmt, ...);
-    static std::string BuildLogReportDesc(char const* fmt, ...);
+    static void AsyncReportCommonException(PushInnerError const& inner, char const* fmt, ...) KAVO_LOG_FORMAT(2, 3);
+    static std::string BuildLogReportDesc(char const* fmt, ...) KAVO_LOG_FORMAT(1, 2);
     static void FormatLogStr(std::string& text, std::string const& marker);
 
 private:
     static std::string BuildLogReportDescV(char const* fmt, va_list args);
 
-    static AddEventMethod addEventMethod_;
-    static ReportExceptionMethod asyncReportException_;
-    static const std::string PUBLIC_MARKER;
-    static const std::string PRIVATE_MARKER;
+    // Detached threads may report while the process exits, so the hooks are never destroyed.
+    static AddEventMethod& AddEventHook();
+    static ReportExceptionMethod& ReportExceptionHook();
 };
 
 }  // namespace Kavo::Push

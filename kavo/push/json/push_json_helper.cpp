@@ -1,8 +1,15 @@
 #include "kavo/push/json/push_json_helper.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <fstream>
 #include <memory>
+#include <sstream>
 
 #include "kavo/push/common/push_log.h"
 #include "kavo/push/json/real_path.h"
@@ -24,12 +31,95 @@ PushBaseRsp Fail(const char* logLine, const char* desc)
     return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, std::string(desc));
 }
 
+constexpr size_t MAX_JSON_FILE_BYTES = 64 * 1024 * 1024;
+constexpr char TOO_LARGE[] = "file is larger than the limit of 67108864 bytes (64 MiB)";
+
+// A whole file's text, or why it could not be had: `opened` false when the path names nothing
+// readable or something other than a regular file (a FIFO or a device would block or never
+// end); otherwise `error` is set when reading failed or the file is over the size limit.
+struct FileText {
+    bool opened = false;
+    std::string text;
+    std::string error;
+};
+
+// Appends the rest of `fd` to `out`; false with `error` set on a read error or past the limit.
+bool ReadAll(int fd, std::string& out, std::string& error)
+{
+    char buffer[65536];
+    for (;;) {
+        ssize_t n = read(fd, buffer, sizeof(buffer));
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n < 0) {
+            error = std::strerror(errno);
+            return false;
+        }
+        if (n == 0) {
+            return true;
+        }
+        if (out.size() + static_cast<size_t>(n) > MAX_JSON_FILE_BYTES) {
+            error = TOO_LARGE;
+            return false;
+        }
+        out.append(buffer, static_cast<size_t>(n));
+    }
+}
+
+FileText ReadRegularFile(const std::string& path)
+{
+    FileText file;
+    // O_NONBLOCK: opening a FIFO with no writer returns at once instead of waiting for one.
+    int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return file;
+    }
+    struct stat info {};
+    file.opened = fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+    if (file.opened && static_cast<unsigned long long>(info.st_size) > MAX_JSON_FILE_BYTES) {
+        file.error = TOO_LARGE;
+    } else if (file.opened) {
+        ReadAll(fd, file.text, file.error);
+    }
+    close(fd);
+    return file;
+}
+
+// GetJsonRootFromPath without its exception handler: a parse that throws (nesting deeper than
+// the parser allows) reaches the caller's own handler.
+PushBaseRsp ReadJsonRoot(const std::string& path, const bool& isConfigFile, Json::Value& root)
+{
+    std::string realPath;
+    PushBaseRsp rsp = GetRealPath(path, isConfigFile, realPath);
+    if (!rsp.Succeed()) {
+        PUSH_LOGE("GetJsonRootFromPath: GetRealPath Failed");
+        return rsp;
+    }
+    FileText file = ReadRegularFile(realPath);
+    if (!file.opened) {
+        return Fail("GetJsonRootFromPath: Open File Error", "Open file error.");
+    }
+    Json::Value parsed;
+    std::string errs = file.error;
+    if (errs.empty()) {
+        std::istringstream stream(std::move(file.text));
+        Json::CharReaderBuilder builder;
+        if (Json::parseFromStream(builder, stream, &parsed, &errs)) {
+            root.swap(parsed);
+            return rsp;
+        }
+    }
+    PUSH_LOGE("GetJsonRootFromPath: Read File Failed %{public}s.", errs.c_str());
+    return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Read file failed %s.", errs.c_str());
+}
+
 // Reads the file's object and takes its member `key` out into `member`.
 PushBaseRsp TakeFileMember(const std::string& path, const bool& isConfigFile, const std::string& key,
                            const MemberTexts& texts, Json::Value& member)
 {
     Json::Value root;
-    PushBaseRsp rsp = PushJsonHelper::GetJsonRootFromPath(path, isConfigFile, root);
+    PushBaseRsp rsp = ReadJsonRoot(path, isConfigFile, root);
     if (!rsp.Succeed()) {
         PUSH_LOGE("%{public}s", texts.rootFailed);
         return rsp;
@@ -88,33 +178,13 @@ PushBaseRsp WriteRoot(const Json::Value& root, const std::string& realPath)
 
 PushBaseRsp PushJsonHelper::GetJsonRootFromPath(const std::string& path, const bool& isConfigFile, Json::Value& root)
 {
-    std::string realPath;
-    PushBaseRsp rsp = GetRealPath(path, isConfigFile, realPath);
-    if (!rsp.Succeed()) {
-        PUSH_LOGE("GetJsonRootFromPath: GetRealPath Failed");
-        return rsp;
-    }
-    std::ifstream file(realPath, std::ios::in);
-    if (!file.is_open()) {
-        return Fail("GetJsonRootFromPath: Open File Error", "Open file error.");
-    }
-    Json::CharReaderBuilder builder;
-    Json::Value parsed;
-    std::string errs;
-    bool ok = false;
     try {
-        ok = Json::parseFromStream(builder, file, &parsed, &errs);
+        return ReadJsonRoot(path, isConfigFile, root);
     } catch (const std::exception& e) {
-        // Nesting deeper than the parser allows ends in an exception: a read failure too.
-        errs = e.what();
+        // Nesting deeper than the parser allows: a read failure too.
+        PUSH_LOGE("GetJsonRootFromPath: Read File Failed %{public}s.", e.what());
+        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Read file failed %s.", e.what());
     }
-    file.close();
-    if (!ok) {
-        PUSH_LOGE("GetJsonRootFromPath: Read File Failed %{public}s.", errs.c_str());
-        return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Read file failed %s.", errs.c_str());
-    }
-    root.swap(parsed);
-    return rsp;
 }
 
 PushBaseRsp PushJsonHelper::GetStringFromJson(const std::string& path, const bool& isConfigFile, const std::string& key,

@@ -38,7 +38,7 @@ const std::map<std::string, ExtensionAbilityType> EXTENSION_TYPES = {
     {EXTENSION_SERVICE, ExtensionAbilityType::SERVICE},
 };
 
-constexpr int BUNDLE_FLAG_WITH_APPLICATION = AppExecFwk::GET_BUNDLE_INFO_WITH_APPLICATION;
+constexpr int BUNDLE_FLAG_WITH_APPLICATION = AppExecFwk::BUNDLE_INFO_WITH_APPLICATION;
 constexpr int32_t ERR_BUNDLE_NOT_EXIST = AppExecFwk::BUNDLE_NOT_INSTALLED;  // 0x820604
 
 // The first ability the query finds; an empty answer leaves `info` untouched.
@@ -229,7 +229,7 @@ std::pair<PushBaseRsp, int> PushBundleHelper::GetInstalledStatusV9(const std::st
 PushBaseRsp PushBundleHelper::GetAppUidForName(const std::string& bundleName, const int& userId, int& uid)
 {
     ApplicationInfo info;
-    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::GET_BASIC_APPLICATION_INFO, userId, info);
+    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::APPLICATION_INFO_BASIC, userId, info);
     if (!rsp.Succeed()) {
         PUSH_LOGE("Get Application Info Fail");
         return rsp;
@@ -241,7 +241,7 @@ PushBaseRsp PushBundleHelper::GetAppUidForName(const std::string& bundleName, co
 bool PushBundleHelper::IsSystemApp(const std::string& bundleName, const int& userId)
 {
     ApplicationInfo info;
-    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::GET_BASIC_APPLICATION_INFO, userId, info);
+    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::APPLICATION_INFO_BASIC, userId, info);
     if (!rsp.Succeed()) {
         PUSH_LOGE("GetApplicationInfo fail, bundleName: %{public}s, errInfo: %{public}s", bundleName.c_str(),
                   rsp.GetInfo().c_str());
@@ -254,7 +254,7 @@ PushBaseRsp PushBundleHelper::GetAppAnitizerFlag(const std::string& bundleName, 
 {
     flags = 0;
     ApplicationInfo info;
-    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::GET_BASIC_APPLICATION_INFO, userId, info);
+    PushBaseRsp rsp = GetApplicationInfo(bundleName, AppExecFwk::APPLICATION_INFO_BASIC, userId, info);
     if (!rsp.Succeed()) {
         PUSH_LOGE("get application info fail");
         return rsp;

@@ -9,9 +9,6 @@
 
 namespace Kavo::Push {
 
-PushThreadWorker::TaskHook PushThreadWorker::beforeTaskHook_;
-PushThreadWorker::TaskHook PushThreadWorker::afterTaskHook_;
-
 namespace {
 
 int CurrentTid()
@@ -20,6 +17,18 @@ int CurrentTid()
 }
 
 }  // namespace
+
+PushThreadWorker::TaskHook& PushThreadWorker::BeforeTaskHook()
+{
+    static TaskHook& hook = *new TaskHook;
+    return hook;
+}
+
+PushThreadWorker::TaskHook& PushThreadWorker::AfterTaskHook()
+{
+    static TaskHook& hook = *new TaskHook;
+    return hook;
+}
 
 PushThreadWorker::PushThreadWorker(std::string const& name, unsigned long coreThreadNum, unsigned long maxThreadNum)
     : coreThreadNum_(coreThreadNum), maxThreadNum_(maxThreadNum), name_(name)
@@ -70,8 +79,8 @@ unsigned long PushThreadWorker::GetTaskExecNum(int tid)
 
 void PushThreadWorker::SetExecCallBack(TaskHook const& before, TaskHook const& after)
 {
-    beforeTaskHook_ = before;
-    afterTaskHook_ = after;
+    BeforeTaskHook() = before;
+    AfterTaskHook() = after;
 }
 
 // Called with the queue mutex held. The first task brings the pool straight up to its maximum.
@@ -124,12 +133,12 @@ unsigned long PushThreadWorker::TaskWorker()
             return executed;
         }
         SetTaskExecNum(tid, ++executed);
-        if (beforeTaskHook_) {
-            beforeTaskHook_(name_);
+        if (const TaskHook& before = BeforeTaskHook()) {
+            before(name_);
         }
         task();  // a task without target throws std::bad_function_call, which is not caught
-        if (afterTaskHook_) {
-            afterTaskHook_(name_);
+        if (const TaskHook& after = AfterTaskHook()) {
+            after(name_);
         }
     }
 }

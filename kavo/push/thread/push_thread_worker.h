@@ -68,8 +68,9 @@ private:
     void SetTaskExecNum(int tid, unsigned long count);
     void ClearTaskExecNum(int tid);
 
-    static TaskHook beforeTaskHook_;
-    static TaskHook afterTaskHook_;
+    // Detached threads may run tasks while the process exits, so the hooks are never destroyed.
+    static TaskHook& BeforeTaskHook();
+    static TaskHook& AfterTaskHook();
 
     [[maybe_unused]] const unsigned long coreThreadNum_;
     const unsigned long maxThreadNum_;

@@ -19,7 +19,7 @@ struct Tracked : Kavo::RefBase {
 struct Derived : Tracked {};
 using Ptr = sptr<Tracked>;
 
-const auto Count = [](const Ptr& p) { return p ? p->GetSptrRefCount() : -1; };
+const auto Count = [](const Ptr& p) { return p ? p->StrongCount() : -1; };
 
 // Each scenario gets `h` owning a fresh object and returns a count; then `h` owns an object of count 1
 // or nothing, and leaving the scope deletes every object exactly once.

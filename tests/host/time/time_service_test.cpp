@@ -2,6 +2,8 @@
 // stopped and destroyed timers stay silent, and the client answers without a service.
 #include "kavo/host/time/time_service.h"
 
+#include "kavo/host/device/device.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -90,6 +92,35 @@ TEST(TimeServiceTest, StoppedDestroyedAndUnknownTimers)
     EXPECT_FALSE(service->StartTimer(b, now)) << "a destroyed id is unknown";
     EXPECT_FALSE(service->StopTimer(999));
     EXPECT_EQ(service->CreateTimer(nullptr), 0u);
+}
+
+// Drops the last reference to its device, and with it the device's time service, from its own
+// expiry.
+class DeviceDroppingTimer : public CountingTimer {
+public:
+    void OnTrigger() override
+    {
+        device.reset();
+        CountingTimer::OnTrigger();
+    }
+    std::unique_ptr<Host::Device> device = std::make_unique<Host::Device>();
+};
+
+TEST(TimeServiceTest, TheLastReferenceMayGoInsideACallback)
+{
+    auto timer = std::make_shared<DeviceDroppingTimer>();
+    std::weak_ptr<DeviceDroppingTimer> watch = timer;
+    timer->device->Activate();
+    auto& service = timer->device->GetTimeService();
+    ASSERT_TRUE(service.StartTimer(service.CreateTimer(timer), NowMs()));
+    ASSERT_EQ(std::get<0>(timer->WaitFor(1)), 1);
+    timer.reset();
+    // The worker lets the timer go when it has left the service's state; under ASan a worker
+    // that resumes on freed state fails here.
+    for (int i = 0; i < 5000 && !watch.expired(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_TRUE(watch.expired());
 }
 
 TEST(TimeServiceClientTest, AnswersWithoutAService)

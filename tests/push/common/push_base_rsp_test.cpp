@@ -47,7 +47,7 @@ TEST(PushBaseRspTest, ResetTakesEverythingButTheSubStatus)
     const std::pair<PushBaseRsp, const char*> cases[] = {
         {PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, 100000143, std::string("s")),
          "s: error(1000900001), innerCode(100000143)"},
-        {PushBaseRsp(77, PUSH_SUCCESS, ""), ""},
+        {PushBaseRsp(77, PUSH_SUCCESS, "%s", ""), ""},
         {PushBaseRsp(PUSH_ERR_CALLER_ILLEGAL, std::string("s")), "s: error(202)"}};
     for (const auto& [source, info] : cases) {
         PushBaseRsp rsp(5, PUSH_ERR_INVALID_PARAM, "start");

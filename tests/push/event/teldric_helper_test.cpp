@@ -78,7 +78,7 @@ TEST(TeldricHelperTest, AddEventPassesEverythingThroughWhileAHookIsInstalled)
     EXPECT_EQ(events, (decltype(events){{35, "QueryActiveOsAccountIds", 1, "ret 5"}, {999, "%{private}s", -4, "%d"}}));
 }
 
-TEST(TeldricHelperTest, LogAndReportWritesOneErrorLineThenOneReport)
+TEST(TeldricHelperTest, LogAndReportEvaluatesOnceThenWritesOneErrorLineThenOneReport)
 {
     KavoTest::ScopedEnv privacy("KAVO_LOG_PRIVATE", nullptr);
     Kavo::LogCapture capture;
@@ -88,7 +88,9 @@ TEST(TeldricHelperTest, LogAndReportWritesOneErrorLineThenOneReport)
         linesAtReport = capture.Lines().size();
         reports.emplace_back(inner, desc);
     });
-    PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", 7);
+    int evaluations = 0;
+    PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", ++evaluations * 7);
+    EXPECT_EQ(evaluations, 1);
     TeldricHelper::SetReportException(nullptr);
     ASSERT_EQ(capture.Lines().size(), 1u);
     EXPECT_EQ(capture.Lines()[0].level, Kavo::LEVEL_ERROR);

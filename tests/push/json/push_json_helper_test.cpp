@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -24,6 +25,8 @@ namespace fs = std::filesystem;
 
 const char* const NO_FILE = nullptr;
 const char* const A_DIRECTORY = "<dir>";
+const char* const A_FIFO = "<fifo>";
+const char* const OVER_64_MIB = "<huge>";  // a sparse file one byte over 64 MiB
 
 enum Op { ROOT, STRING, ARRAY, SET, SET_CAPPED };
 
@@ -52,6 +55,11 @@ protected:
         const std::string onDisk = file.rfind("@/", 0) == 0 ? dir_ + file.substr(1) : dir_ + "/" + file;
         if (content == A_DIRECTORY) {
             fs::create_directories(onDisk);
+        } else if (content == A_FIFO) {
+            mkfifo(onDisk.c_str(), 0600);
+        } else if (content == OVER_64_MIB) {
+            std::ofstream(onDisk).close();
+            fs::resize_file(onDisk, (64u << 20) + 1);
         } else if (content != NO_FILE) {
             fs::create_directories(fs::path(onDisk).parent_path());
             std::ofstream(onDisk, std::ios::binary) << content;
@@ -116,6 +124,8 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
     const std::string notJson = "Read file failed " + notJsonErrs + ".";
     const std::string notJsonLog = "E GetJsonRootFromPath: Read File Failed " + notJsonErrs + ".";
     const std::string tooDeep = "Read file failed Exceeded stackLimit in readValue()..";
+    const std::string deepThrown = "Get string from json error: Exceeded stackLimit in readValue()..";
+    const std::string tooLarge = "file is larger than the limit of 67108864 bytes (64 MiB)";
     const std::string ios = "basic_ios::clear: iostream error";
     const std::string refused = "in Json::Value::resolveReference(key, end): requires objectValue";
     struct Case {
@@ -130,9 +140,18 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"an empty path", ROOT, "", NO_FILE, "Path is illeage.", "", Strings{illegal, rootNoPath}},
         {"a 4096-byte path", ROOT, p4096, NO_FILE, "Path is illeage.", "", Strings{illegal, rootNoPath}},
         {"a 4095-byte path is opened", ROOT, p4095, NO_FILE, "Open file error.", "", Strings{open}},
-        {"a directory reads as no JSON", ROOT, "@/d", A_DIRECTORY, notJson, "", Strings{notJsonLog}},
+        {"a directory is no file to open", ROOT, "@/d", A_DIRECTORY, "Open file error.", "", Strings{open}},
+        {"a FIFO is no file to open, and does not block", ROOT, "@/p", A_FIFO, "Open file error.", "", Strings{open}},
+        {"a device is no file to open", ROOT, "/dev/zero", NO_FILE, "Open file error.", "", Strings{open}},
+        {"a file over 64 MiB is not read", ROOT, "@/f", OVER_64_MIB, "Read file failed " + tooLarge + ".", "",
+         Strings{"E GetJsonRootFromPath: Read File Failed " + tooLarge + "."}},
+        {"no JSON", ROOT, "@/f", "x", notJson, "", Strings{notJsonLog}},
         {"nesting too deep", ROOT, "@/f", deep.c_str(), tooDeep, "",
          Strings{"E GetJsonRootFromPath: Read File Failed Exceeded stackLimit in readValue().."}},
+        {"string: nesting too deep reaches the reader's handler", STRING, "@/f", deep.c_str(), deepThrown, "",
+         Strings{"E Get string from json error: Exceeded stackLimit in readValue()."}},
+        {"array: nesting too deep reaches the reader's handler", ARRAY, "@/f", deep.c_str(), deepThrown, "seed",
+         Strings{"E Get string from json error: Exceeded stackLimit in readValue()."}},
         {"a configuration file via KAVO_CONFIG_DIRS", ROOT, "cfg/p.json", R"([1, {"a": 1}])", "", R"([1,{"a":1}])",
          Strings{}},
         {"a configuration file found nowhere", ROOT, "cfg/p.json", NO_FILE, noRealPath, "",

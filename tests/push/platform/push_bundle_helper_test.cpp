@@ -24,8 +24,8 @@ constexpr int USER = 100, UID = 20010042, OTHER = 20010077;
 constexpr int32_t BUNDLE_ID = 401, APP_ID = 501;
 const std::string MAIL = "com.example.mail";
 
-constexpr auto READY = AppProcessState::APP_STATE_READY, FOREGROUND = AppProcessState::APP_STATE_FOREGROUND;
-constexpr auto FOCUS = AppProcessState::APP_STATE_FOCUS, BACKGROUND = AppProcessState::APP_STATE_BACKGROUND;
+constexpr auto READY = AppProcessState::READY, FOREGROUND = AppProcessState::FOREGROUND;
+constexpr auto FOCUS = AppProcessState::FOCUSED, BACKGROUND = AppProcessState::BACKGROUND;
 
 RunningProcessInfo Process(int pid, int uid, AppProcessState state, ProcessType type = ProcessType::NORMAL,
                            T ext = T::UNSPECIFIED)
@@ -107,8 +107,8 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
          1000900001, "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
         {BMS_ANSWERS(QueryAbilityInfo(_, 4, USER, _), false), ASK(QueryAbilityInfo(want_, 4, USER, ability_)),
          1000900001, "query ability info failed", "", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
-        {BMS_ANSWERS(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _), false),
-         ASK(GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, app_)), 1000900001, "Get application info fail",
+        {BMS_ANSWERS(GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _), false),
+         ASK(GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, app_)), 1000900001, "Get application info fail",
          "", &BMS, "Get Bundle Mgr Fail"},
         {BMS_ANSWERS(GetNameForUid(20010001, _), 8521225), ASK(GetNameForUid(20010001, name_)), 1000900001,
          "Get name for uid fail: 8521225", "", &BMS, "Get Bundle Mgr Fail"},
@@ -224,12 +224,12 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
     for (const auto& c : cases) {
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
         app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
-        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
+        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).Succeed());
         EXPECT_EQ(flags_, c.flags);
     }
-    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _)).WillRepeatedly(Return(false));
+    EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _)).WillRepeatedly(Return(false));
     EXPECT_FALSE(PushBundleHelper::IsSystemApp(MAIL, USER));
     EXPECT_TRUE(HasLine(cap_, "GetApplicationInfo fail, bundleName: com.example.mail, errInfo: "
                               "Get application info fail: error(1000900001)"));
@@ -437,7 +437,7 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
         EXPECT_EQ(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH), c.pushRunning);
         Answer(c.list);
         EXPECT_CALL(**bms_, GetUidByBundleName(MAIL, USER, 0)).Times(lookups);
-        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, GET_BASIC_APPLICATION_INFO, USER, _))
+        EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         state_ = 9;
         EXPECT_TRUE(PushBundleHelper::GetAppProcessState({MAIL, USER, 0, c.extension}, state_, flags_).Succeed());

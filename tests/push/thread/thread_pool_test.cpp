@@ -3,6 +3,11 @@
 // C library's, so a test can make thread creation inside the library fail.
 #include "kavo/push/thread/thread_pool.h"
 
+#include "kavo/host/sysevent/sys_event.h"
+#include "kavo/push/common/push_log.h"
+#include "kavo/push/event/push_event_report.h"
+#include "kavo/push/event/teldric_helper.h"
+
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -296,6 +301,38 @@ TEST(ThreadPoolTest, EveryTaskOfAStressRunRunsExactlyOnce)
         EXPECT_EQ(std::count_if(runs.begin(), runs.end(), [](auto& n) { return n.load() != 1; }), 0)
             << "tasks run other than exactly once";
     }
+}
+
+// Detached threads still run while the process exits and its static objects are destroyed: the
+// task hooks, the log tag, the event catalogue and recorders and the analytics hooks they reach
+// must still be there. The hooks own heap state, so ASan sees a hook that was destroyed.
+TEST(ThreadPoolDeathTest, ExitWhileFourWorkersRunTasks)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto busy = [] {
+        auto calls = std::make_shared<std::atomic<long>>(0);
+        auto count = [calls](std::string const&) { calls->fetch_add(1); };
+        ThreadPool::SetExecCallBack(count, count);
+        TeldricHelper::SetReportException([calls](PushInnerError const&, std::string const&) { calls->fetch_add(1); });
+        Kavo::SysEventRecorder recorder;
+        ThreadPool pool("exiting", 4, nullptr, nullptr);
+        // Each task queues the next one, so the four workers are busy until the process ends.
+        std::atomic<long> runs{0};
+        std::function<void()> task = [&] {
+            if (runs.fetch_add(1) % 64 == 0) {
+                PUSH_LOGD("exiting task %{public}d", 1);
+                TeldricHelper::AsyncReportCommonException(INNER_ERR_DATA_CONVERT_FAILED, "exiting %{public}d", 1);
+                PushEventReport::SendEvent(PushEvent::START_EXTENSION, PushEventInfo("push", "b", "a", 100, 0));
+            }
+            pool.AddTask(std::function<void()>(task));
+        };
+        for (int i = 0; i < 8; ++i) {
+            pool.AddTask(std::function<void()>(task));
+        }
+        WaitUntil([&] { return calls->load() > 1000; });
+        std::exit(0);
+    };
+    EXPECT_EXIT(busy(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -175,7 +175,7 @@ std::string ConsumeConversion(const Conversion& c, va_list* ap, bool& ok)
             }
             return FormatValue(c, width, precision, va_arg(*ap, double));
         case 'n':
-            (void)va_arg(*ap, void*);  // never written through: the log is not a channel back
+            (void)va_arg(*ap, void*);  // %n: consumed, never written through
             return std::string();
         default:
             ok = false;

@@ -17,7 +17,7 @@ PushBaseRsp GetBundleMgr(sptr<IBundleMgr>& out)
     texts.notStartedDesc = "get bms fail: bms sa not started";
     texts.retryFailLog = InfoFormat("Get bundle mgr fail: %{public}s");
     texts.nullProxyText = "IBundleMgr is null";
-    return GetServiceProxy<IBundleMgr>(BUNDLE_MGR_SERVICE_SYS_ABILITY_ID, texts, out);
+    return GetServiceProxy<IBundleMgr>(BUNDLE_SERVICE_ABILITY_ID, texts, out);
 }
 
 PushBaseRsp GetAppMgr(sptr<IAppMgr>& out)
@@ -29,7 +29,7 @@ PushBaseRsp GetAppMgr(sptr<IAppMgr>& out)
     texts.notStartedDesc = "get ams fail: ams sa not started";
     texts.retryFailLog = InfoFormat("Get app mgr fail: %{public}s");
     texts.nullProxyText = "IAppMgr is null";
-    return GetServiceProxy<IAppMgr>(APP_MGR_SERVICE_ID, texts, out);
+    return GetServiceProxy<IAppMgr>(APP_SERVICE_ABILITY_ID, texts, out);
 }
 
 void LookupFailLog::Write(const PushBaseRsp& lookup) const
