@@ -68,7 +68,12 @@ bool WaitUntil(Done done, std::chrono::seconds timeout = 30s)
 // runtime starts with the first thread (ThreadSanitizer has one) are in every baseline.
 size_t LiveThreadCount()
 {
-    [[maybe_unused]] static const bool warmedUp = (std::thread([] {}).join(), true);
+    [[maybe_unused]] static const bool warmedUp = [] {
+        pid_t tid = 0;
+        std::thread([&tid] { tid = gettid(); }).join();
+        // An emulator may return from join() before the thread has left the kernel's list.
+        return WaitUntil([tid] { return !std::filesystem::exists("/proc/self/task/" + std::to_string(tid)); });
+    }();
     std::filesystem::directory_iterator tasks("/proc/self/task");
     return static_cast<size_t>(std::distance(begin(tasks), end(tasks)));
 }

@@ -63,6 +63,10 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
                                     "kavo-push decode: the bytes do not hold a RemoteNotificationContent\n";
     const std::string badBase64 = "kavo-push base64: input is not valid Base64\n";
     const std::string binary("\0\xfb\xff", 3);
+    std::string deepParams = R"({"k":{"type":"int32","value":1}})";  // a map inside 32 more maps
+    for (int depth = 0; depth < 32; ++depth) {
+        deepParams = R"({"k":{"type":"params","value":)" + deepParams + "}}";
+    }
     const Case cases[] = {
         {"nothing encodes to nothing", "base64 encode", "", 0, ""},
         {"one byte, two pads", "base64 encode", "f", 0, "", "Zg==\n"},
@@ -131,6 +135,8 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
         {"a value not its type", "encode WantParams", R"({"k":{"type":"int32","value":1.5}})", 1, "k.value: expected"},
         {"a large image with no pixel text", "encode PixelMap",
          R"({"width":46340,"height":46340,"format":"ALPHA_8","pixels":""})", 1, "expected 2147395600 bytes, got 0"},
+        {"parameters nested deeper than their reader takes", "encode WantParams", deepParams, 1,
+         "kavo-push encode: the library refuses to write the record\n"},
         {"a record larger than a parcel", "encode PushPayload",
          R"({"type":"t","data":")" + std::string(1 << 20, 'a') + R"("})", 1,
          "kavo-push encode: the record takes 1048592 bytes, more than the 1048576 a parcel holds\n"},
