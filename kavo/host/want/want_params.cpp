@@ -177,31 +177,47 @@ bool WantParams::MarshallingAt(Parcel& parcel, int depth) const
     return true;
 }
 
-WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
+bool WantParams::ReadCount(Parcel& parcel, int depth, int32_t& count)
 {
     if (depth < 1 || depth > MAX_DEPTH) {
-        return nullptr;
+        return false;
     }
-    int32_t count = 0;
-    if (!parcel.ReadInt32(count) || count < 0 ||
-        static_cast<size_t>(count) > parcel.GetReadableBytes() / MIN_ENTRY_BYTES) {
-        return nullptr;
-    }
-    std::unique_ptr<WantParams> params(new (std::nothrow) WantParams());
-    if (params == nullptr) {
-        return nullptr;
-    }
+    return parcel.ReadInt32(count) && count >= 0 &&
+           static_cast<size_t>(count) <= parcel.GetReadableBytes() / MIN_ENTRY_BYTES;
+}
+
+bool WantParams::ReadEntries(Parcel& parcel, int depth, int32_t count)
+{
     for (int32_t i = 0; i < count; ++i) {
         std::string key;
         Value value;
         if (!parcel.ReadString(key) || !ReadValue(parcel, depth, value)) {
-            return nullptr;
+            return false;
         }
         // Keys arrive in order from our own writer, so the end is the right hint; a repeated
         // key keeps its last value.
-        params->params_.insert_or_assign(params->params_.end(), std::move(key), std::move(value));
+        params_.insert_or_assign(params_.end(), std::move(key), std::move(value));
+    }
+    return true;
+}
+
+WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
+{
+    int32_t count = 0;
+    if (!ReadCount(parcel, depth, count)) {
+        return nullptr;
+    }
+    std::unique_ptr<WantParams> params(new (std::nothrow) WantParams());
+    if (params == nullptr || !params->ReadEntries(parcel, depth, count)) {
+        return nullptr;
     }
     return params.release();
+}
+
+bool WantParams::ReadFromParcel(Parcel& parcel, int depth)
+{
+    int32_t count = 0;
+    return ReadCount(parcel, depth, count) && ReadEntries(parcel, depth, count);
 }
 
 }  // namespace Kavo::AAFwk
