@@ -181,7 +181,13 @@ bool Parcel::ReadString(std::string& value)
         readPos_ = start;
         return false;
     }
-    value.assign(reinterpret_cast<const char*>(data_.get() + readPos_), static_cast<size_t>(length));
+    const auto* text = reinterpret_cast<const char*>(data_.get() + readPos_);
+    const auto size = static_cast<size_t>(length);
+    if (size > value.capacity()) {
+        value = std::string(text, size);  // built at its size at once, cheaper than regrowing `value`
+    } else {
+        value.assign(text, size);
+    }
     readPos_ += Padded(static_cast<size_t>(length) + 1);
     return true;
 }

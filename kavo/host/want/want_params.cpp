@@ -48,15 +48,11 @@ bool WantParams::WriteValue(Parcel& parcel, const Value& value, int depth)
 
 namespace {
 
+// The value is read in place; on failure `out` holds an unspecified value of type T.
 template <typename T, typename Reader>
 bool ReadInto(WantParams::Value& out, Reader read)
 {
-    T value{};
-    if (!read(value)) {
-        return false;
-    }
-    out = std::move(value);
-    return true;
+    return read(out.emplace<T>());
 }
 
 bool ReadValue(Parcel& parcel, int depth, WantParams::Value& out)
@@ -190,13 +186,16 @@ bool WantParams::ReadEntries(Parcel& parcel, int depth, int32_t count)
 {
     for (int32_t i = 0; i < count; ++i) {
         std::string key;
-        Value value;
-        if (!parcel.ReadString(key) || !ReadValue(parcel, depth, value)) {
+        if (!parcel.ReadString(key)) {
             return false;
         }
-        // Keys arrive in order from our own writer, so the end is the right hint; a repeated
-        // key keeps its last value.
-        params_.insert_or_assign(params_.end(), std::move(key), std::move(value));
+        // Keys arrive in order from our own writer, so the end is the right hint. The value is
+        // read straight into its entry; a repeated key keeps its last value, and a failed read
+        // leaves a map that is thrown away.
+        auto entry = params_.try_emplace(params_.end(), std::move(key));
+        if (!ReadValue(parcel, depth, entry->second)) {
+            return false;
+        }
     }
     return true;
 }
