@@ -50,7 +50,7 @@ bool Parcel::SetMaxCapacity(size_t maxCapacity)
     return true;
 }
 
-uint8_t* Parcel::Append(size_t size)
+uint8_t* Parcel::AppendSlow(size_t size)
 {
     if (size > maxCapacity_ || size_ > maxCapacity_ - size) {
         return nullptr;
@@ -76,18 +76,6 @@ void Parcel::Grow(size_t needed)
     capacity_ = grown;
 }
 
-template <typename T>
-bool Parcel::WriteFixed(T value)
-{
-    static_assert(sizeof(T) % ALIGNMENT == 0, "a fixed-size item needs no padding");
-    uint8_t* out = Append(sizeof(T));
-    if (out == nullptr) {
-        return false;
-    }
-    std::memcpy(out, &value, sizeof(T));
-    return true;
-}
-
 bool Parcel::WriteRaw(const void* bytes, size_t size)
 {
     const size_t padded = Padded(size);
@@ -109,31 +97,6 @@ bool Parcel::WriteRaw(const void* bytes, size_t size)
 bool Parcel::WriteBool(bool value)
 {
     return WriteInt32(value ? 1 : 0);
-}
-
-bool Parcel::WriteInt32(int32_t value)
-{
-    return WriteFixed(value);
-}
-
-bool Parcel::WriteUint32(uint32_t value)
-{
-    return WriteFixed(value);
-}
-
-bool Parcel::WriteInt64(int64_t value)
-{
-    return WriteFixed(value);
-}
-
-bool Parcel::WriteUint64(uint64_t value)
-{
-    return WriteFixed(value);
-}
-
-bool Parcel::WriteDouble(double value)
-{
-    return WriteFixed(value);
 }
 
 bool Parcel::WriteString(const std::string& value)
@@ -206,31 +169,6 @@ bool Parcel::ReadBool(bool& value)
     return true;
 }
 
-bool Parcel::ReadInt32(int32_t& value)
-{
-    return ReadRaw(&value, sizeof(value));
-}
-
-bool Parcel::ReadUint32(uint32_t& value)
-{
-    return ReadRaw(&value, sizeof(value));
-}
-
-bool Parcel::ReadInt64(int64_t& value)
-{
-    return ReadRaw(&value, sizeof(value));
-}
-
-bool Parcel::ReadUint64(uint64_t& value)
-{
-    return ReadRaw(&value, sizeof(value));
-}
-
-bool Parcel::ReadDouble(double& value)
-{
-    return ReadRaw(&value, sizeof(value));
-}
-
 bool Parcel::ReadString(std::string& value)
 {
     size_t start = readPos_;
@@ -243,7 +181,13 @@ bool Parcel::ReadString(std::string& value)
         readPos_ = start;
         return false;
     }
-    value.assign(reinterpret_cast<const char*>(data_.get() + readPos_), static_cast<size_t>(length));
+    const auto* text = reinterpret_cast<const char*>(data_.get() + readPos_);
+    const auto size = static_cast<size_t>(length);
+    if (size > value.capacity()) {
+        value = std::string(text, size);  // built at its size at once, cheaper than regrowing `value`
+    } else {
+        value.assign(text, size);
+    }
     readPos_ += Padded(static_cast<size_t>(length) + 1);
     return true;
 }

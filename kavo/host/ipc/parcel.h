@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -40,11 +41,11 @@ public:
     ~Parcel() = default;
 
     bool WriteBool(bool value);
-    bool WriteInt32(int32_t value);
-    bool WriteUint32(uint32_t value);
-    bool WriteInt64(int64_t value);
-    bool WriteUint64(uint64_t value);
-    bool WriteDouble(double value);
+    bool WriteInt32(int32_t value) { return WriteFixed(value); }
+    bool WriteUint32(uint32_t value) { return WriteFixed(value); }
+    bool WriteInt64(int64_t value) { return WriteFixed(value); }
+    bool WriteUint64(uint64_t value) { return WriteFixed(value); }
+    bool WriteDouble(double value) { return WriteFixed(value); }
     // 32-bit byte length n, the n bytes, a zero byte, then zero padding.
     bool WriteString(const std::string& value);
     // Presence word (1, or 0 for null), then p->Marshalling(*this). Never touches the count.
@@ -53,11 +54,11 @@ public:
     bool WriteBuffer(const void* data, size_t size);
 
     bool ReadBool(bool& value);
-    bool ReadInt32(int32_t& value);
-    bool ReadUint32(uint32_t& value);
-    bool ReadInt64(int64_t& value);
-    bool ReadUint64(uint64_t& value);
-    bool ReadDouble(double& value);
+    bool ReadInt32(int32_t& value) { return ReadFixed(value); }
+    bool ReadUint32(uint32_t& value) { return ReadFixed(value); }
+    bool ReadInt64(int64_t& value) { return ReadFixed(value); }
+    bool ReadUint64(uint64_t& value) { return ReadFixed(value); }
+    bool ReadDouble(double& value) { return ReadFixed(value); }
     // Refuses a negative length or one that runs past the data, before allocating anything.
     bool ReadString(std::string& value);
     // `size` raw bytes (and their padding); null when fewer remain. Valid until the next write.
@@ -88,10 +89,42 @@ public:
 private:
     // Room for `size` more bytes within the maximum capacity; null (nothing written) when the
     // write would pass it. The bytes it hands out are not initialised: the caller fills them all.
-    uint8_t* Append(size_t size);
+    // Inline for the common case, room already there; the rest goes to AppendSlow.
+    uint8_t* Append(size_t size)
+    {
+        if (size > capacity_ - size_ || size > maxCapacity_ - size_) {
+            return AppendSlow(size);
+        }
+        uint8_t* out = data_.get() + size_;
+        size_ += size;
+        return out;
+    }
+    uint8_t* AppendSlow(size_t size);
     void Grow(size_t needed);
+    // Fixed-size items are multiples of 4 bytes, so they need no padding. Inline, as records
+    // are mostly made of them.
     template <typename T>
-    bool WriteFixed(T value);
+    bool WriteFixed(T value)
+    {
+        static_assert(sizeof(T) % 4 == 0, "a fixed-size item needs no padding");
+        uint8_t* out = Append(sizeof(T));
+        if (out == nullptr) {
+            return false;
+        }
+        std::memcpy(out, &value, sizeof(T));
+        return true;
+    }
+    template <typename T>
+    bool ReadFixed(T& value)
+    {
+        static_assert(sizeof(T) % 4 == 0, "a fixed-size item needs no padding");
+        if (sizeof(T) > size_ - readPos_) {
+            return false;
+        }
+        std::memcpy(&value, data_.get() + readPos_, sizeof(T));
+        readPos_ += sizeof(T);
+        return true;
+    }
     bool WriteRaw(const void* bytes, size_t size);
     bool ReadRaw(void* bytes, size_t size);
     template <typename T>

@@ -91,34 +91,57 @@ bool PixelMap::Marshalling(Parcel& parcel) const
            parcel.WriteBuffer(pixels_.data(), pixels_.size());
 }
 
+bool PixelMap::ReadImage(Parcel& parcel, ParcelImage& image)
+{
+    int32_t format = 0;
+    if (!parcel.ReadInt32(image.width) || !parcel.ReadInt32(image.height) || !parcel.ReadInt32(format) ||
+        !parcel.ReadInt32(image.byteCount)) {
+        return false;
+    }
+    image.format = static_cast<PixelFormat>(format);
+    int32_t expected = ComputeByteCount(image.width, image.height, image.format);
+    // The byte count is checked against the remaining data before the pixels are allocated.
+    if (expected == 0 || image.byteCount != expected ||
+        static_cast<size_t>(image.byteCount) > parcel.GetReadableBytes()) {
+        return false;
+    }
+    image.bytes = parcel.ReadBuffer(static_cast<size_t>(image.byteCount));
+    return image.bytes != nullptr;
+}
+
+void PixelMap::Fill(const ParcelImage& image)
+{
+    width_ = image.width;
+    height_ = image.height;
+    format_ = image.format;
+    pixels_.assign(image.bytes, image.bytes + image.byteCount);
+}
+
 PixelMap* PixelMap::Unmarshalling(Parcel& parcel)
 {
-    int32_t width = 0;
-    int32_t height = 0;
-    int32_t format = 0;
-    int32_t byteCount = 0;
-    if (!parcel.ReadInt32(width) || !parcel.ReadInt32(height) || !parcel.ReadInt32(format) ||
-        !parcel.ReadInt32(byteCount)) {
-        return nullptr;
-    }
-    auto pixelFormat = static_cast<PixelFormat>(format);
-    int32_t expected = ComputeByteCount(width, height, pixelFormat);
-    // The byte count is checked against the remaining data before the pixels are allocated.
-    if (expected == 0 || byteCount != expected || static_cast<size_t>(byteCount) > parcel.GetReadableBytes()) {
-        return nullptr;
-    }
-    const uint8_t* bytes = parcel.ReadBuffer(static_cast<size_t>(byteCount));
-    if (bytes == nullptr) {
+    ParcelImage image;
+    if (!ReadImage(parcel, image)) {
         return nullptr;
     }
     auto* map = new (std::nothrow) PixelMap();
     if (map == nullptr) {
         return nullptr;
     }
-    map->width_ = width;
-    map->height_ = height;
-    map->format_ = pixelFormat;
-    map->pixels_.assign(bytes, bytes + byteCount);
+    map->Fill(image);
+    return map;
+}
+
+std::shared_ptr<PixelMap> PixelMap::UnmarshallingShared(Parcel& parcel)
+{
+    ParcelImage image;
+    if (!ReadImage(parcel, image)) {
+        return nullptr;
+    }
+    std::shared_ptr<PixelMap> map = MakeSharedNothrow<PixelMap>();
+    if (map == nullptr) {
+        return nullptr;
+    }
+    map->Fill(image);
     return map;
 }
 

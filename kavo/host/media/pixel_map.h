@@ -6,6 +6,7 @@
 #define KAVO_HOST_MEDIA_PIXEL_MAP_H
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "kavo/host/host_export.h"
@@ -49,8 +50,22 @@ public:
     // Caller owns the result; null for non-positive sizes, an unknown format, dimensions that
     // overflow, a byte count that does not match, or pixel data that runs past the parcel.
     static PixelMap* Unmarshalling(Parcel& parcel);
+    // The same read into a shared image (one allocation for the image and its count); null
+    // where Unmarshalling gives null or the image cannot be allocated.
+    static std::shared_ptr<PixelMap> UnmarshallingShared(Parcel& parcel);
 
 private:
+    // An image checked and found in a parcel, its pixel bytes still there.
+    struct ParcelImage {
+        int32_t width = 0;
+        int32_t height = 0;
+        PixelFormat format = PixelFormat::UNKNOWN;
+        const uint8_t* bytes = nullptr;
+        int32_t byteCount = 0;
+    };
+    static bool ReadImage(Parcel& parcel, ParcelImage& image);
+    void Fill(const ParcelImage& image);
+
     int32_t width_ = 0;
     int32_t height_ = 0;
     PixelFormat format_ = PixelFormat::UNKNOWN;

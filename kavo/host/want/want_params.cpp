@@ -48,15 +48,11 @@ bool WantParams::WriteValue(Parcel& parcel, const Value& value, int depth)
 
 namespace {
 
+// The value is read in place; on failure `out` holds an unspecified value of type T.
 template <typename T, typename Reader>
 bool ReadInto(WantParams::Value& out, Reader read)
 {
-    T value{};
-    if (!read(value)) {
-        return false;
-    }
-    out = std::move(value);
-    return true;
+    return read(out.emplace<T>());
 }
 
 bool ReadValue(Parcel& parcel, int depth, WantParams::Value& out)
@@ -177,31 +173,50 @@ bool WantParams::MarshallingAt(Parcel& parcel, int depth) const
     return true;
 }
 
-WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
+bool WantParams::ReadCount(Parcel& parcel, int depth, int32_t& count)
 {
     if (depth < 1 || depth > MAX_DEPTH) {
-        return nullptr;
+        return false;
     }
+    return parcel.ReadInt32(count) && count >= 0 &&
+           static_cast<size_t>(count) <= parcel.GetReadableBytes() / MIN_ENTRY_BYTES;
+}
+
+bool WantParams::ReadEntries(Parcel& parcel, int depth, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        std::string key;
+        if (!parcel.ReadString(key)) {
+            return false;
+        }
+        // Keys arrive in order from our own writer, so the end is the right hint. The value is
+        // read straight into its entry; a repeated key keeps its last value, and a failed read
+        // leaves a map that is thrown away.
+        auto entry = params_.try_emplace(params_.end(), std::move(key));
+        if (!ReadValue(parcel, depth, entry->second)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
+{
     int32_t count = 0;
-    if (!parcel.ReadInt32(count) || count < 0 ||
-        static_cast<size_t>(count) > parcel.GetReadableBytes() / MIN_ENTRY_BYTES) {
+    if (!ReadCount(parcel, depth, count)) {
         return nullptr;
     }
     std::unique_ptr<WantParams> params(new (std::nothrow) WantParams());
-    if (params == nullptr) {
+    if (params == nullptr || !params->ReadEntries(parcel, depth, count)) {
         return nullptr;
     }
-    for (int32_t i = 0; i < count; ++i) {
-        std::string key;
-        Value value;
-        if (!parcel.ReadString(key) || !ReadValue(parcel, depth, value)) {
-            return nullptr;
-        }
-        // Keys arrive in order from our own writer, so the end is the right hint; a repeated
-        // key keeps its last value.
-        params->params_.insert_or_assign(params->params_.end(), std::move(key), std::move(value));
-    }
     return params.release();
+}
+
+bool WantParams::ReadFromParcel(Parcel& parcel, int depth)
+{
+    int32_t count = 0;
+    return ReadCount(parcel, depth, count) && ReadEntries(parcel, depth, count);
 }
 
 }  // namespace Kavo::AAFwk

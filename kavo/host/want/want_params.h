@@ -67,8 +67,14 @@ public:
     // Caller owns the result; null for nesting deeper than MAX_DEPTH, a count the remaining
     // bytes cannot hold, an unknown type tag or any short read.
     static WantParams* Unmarshalling(Parcel& parcel, int depth = 1);
+    // Reads the same form into this map, refusing what Unmarshalling refuses. On failure the
+    // map holds part of the entries and is to be thrown away.
+    bool ReadFromParcel(Parcel& parcel, int depth = 1);
 
 private:
+    // The entry count, checked against the depth limit and the remaining bytes.
+    static bool ReadCount(Parcel& parcel, int depth, int32_t& count);
+    bool ReadEntries(Parcel& parcel, int depth, int32_t count);
     bool MarshallingAt(Parcel& parcel, int depth) const;
     static bool WriteValue(Parcel& parcel, const Value& value, int depth);
 

@@ -93,9 +93,7 @@ bool RemoteNotificationContent::ReadFromParcel(Parcel& parcel)
 
 bool RemoteNotificationContent::ReadOverlayIcon(Parcel& parcel)
 {
-    // The image library hands out an owned raw pointer; the shared pointer takes it over.
-    overlayIcon_ =
-        parcel.ReadInt32() != 0 ? std::shared_ptr<Media::PixelMap>(Media::PixelMap::Unmarshalling(parcel)) : nullptr;
+    overlayIcon_ = parcel.ReadInt32() != 0 ? Media::PixelMap::UnmarshallingShared(parcel) : nullptr;
     if (overlayIcon_ == nullptr) {
         return Fail("overlayIcon_ is Null");
     }

@@ -33,11 +33,17 @@ bool RemoteNotificationResult::Marshalling(Parcel& parcel) const
 
 bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
 {
-    sptr<RemoteNotificationContent> content = parcel.ReadStrongParcelable<RemoteNotificationContent>();
-    if (content == nullptr) {
+    // Read as its own parcelable would be, but into a local instead of a new object of its own.
+    int32_t present = 0;
+    RemoteNotificationContent content;
+    if (!parcel.ReadInt32(present) || present == 0) {
         return Fail("RemoteNotificationResult::ReadFromParcel: Read Content Error");
     }
-    content_ = std::move(*content);
+    if (!content.ReadFromParcel(parcel)) {
+        internal::LogAndReport("RemoteNotificationContent Unmarshalling Error");
+        return Fail("RemoteNotificationResult::ReadFromParcel: Read Content Error");
+    }
+    content_ = std::move(content);
     bool hasParameters = false;
     if (!parcel.ReadBool(hasParameters)) {
         return Fail("RemoteNotificationResult::ReadFromParcel: Read Valid from Parcel Error");

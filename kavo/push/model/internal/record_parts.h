@@ -23,12 +23,13 @@ bool OptionalEqual(const std::shared_ptr<T>& left, const std::shared_ptr<T>& rig
     return *left == *right;
 }
 
-// A part read from a parcel, moved into a new shared pointer; null when that cannot be
-// allocated. The reader holds the part's only reference, so nothing else sees it emptied.
+// A part read from a parcel, moved into a new shared pointer (one allocation for the part and
+// its count); null when that cannot be allocated, the part then left as it was. The reader holds
+// the part's only reference, so nothing else sees it emptied.
 template <typename T>
 std::shared_ptr<T> SharedTake(T& part)
 {
-    return std::shared_ptr<T>(new (std::nothrow) T(std::move(part)));
+    return MakeSharedNothrow<T>(std::move(part));
 }
 
 // The construct-then-fill pattern: a default record filled by its ReadFromParcel. A failed fill
@@ -71,11 +72,14 @@ sptr<T> AllocateThenRead(const char* newText, Read read)
 inline bool ReadWantParams(Parcel& parcel, std::shared_ptr<AAFwk::WantParams>& out, const char* readText,
                            const char* newText)
 {
-    sptr<AAFwk::WantParams> params = parcel.ReadStrongParcelable<AAFwk::WantParams>();
-    if (params == nullptr) {
+    // Read in place rather than through a parcelable of its own: the map is moved into the
+    // shared pointer, so no allocation is spent on a copy that is thrown away.
+    int32_t present = 0;
+    AAFwk::WantParams params;
+    if (!parcel.ReadInt32(present) || present == 0 || !params.ReadFromParcel(parcel)) {
         return Fail(readText);
     }
-    out = SharedTake(*params);
+    out = SharedTake(params);
     return out != nullptr || Fail(newText);
 }
 
