@@ -82,9 +82,7 @@ std::string operator<<(const PushBaseRsp& rsp, const std::string& answer)
            answer;
 }
 
-// Every query answered from the device's state. The process queries' choices are pinned against
-// scripted managers; here the package and account answers are read from a device that matches
-// wants and owns uids for real.
+// The package and account answers of a device that matches wants and owns uids for real.
 TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
 {
     using H = PushBundleHelper;
