@@ -69,10 +69,7 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
     }
     const Case cases[] = {
         {"nothing encodes to nothing", "base64 encode", "", 0, ""},
-        {"one byte, two pads", "base64 encode", "f", 0, "", "Zg==\n"},
-        {"two bytes, one pad", "base64 encode", "fo", 0, "", "Zm8=\n"},
-        {"three bytes, no pad", "base64 encode", "foo", 0, "", "Zm9v\n"},
-        {"binary bytes and the top of the alphabet", "base64 encode", binary, 0, "", "APv/\n"},
+        {"binary bytes, one line", "base64 encode", binary, 0, "", "APv/\n"},
         {"decoding padded text wrapped with CRLF", "base64 decode", "Zm9v\r\nYmE=\r\n", 0, "", "fooba"},
         {"decoding to binary bytes", "base64 decode", "APv/", 0, "", binary},
         {"digest of nothing, - naming standard input", "sha256 -", "", 0, "",
