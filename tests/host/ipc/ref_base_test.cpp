@@ -57,7 +57,6 @@ TEST(Sptr, EveryOperationKeepsTheCountAndDeletesAtZero)
     }
 }
 
-// Threads copy their own pointers to one object, then drop them: only the last drop deletes.
 TEST(Sptr, ConcurrentCopiesKeepTheCountAndDeleteOnce)
 {
     g_destroyed = 0;

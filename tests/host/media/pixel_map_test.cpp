@@ -69,20 +69,6 @@ TEST(PixelMap, ByteCountIsRowBytesTimesHeightOrEmptyAndAnEmptyImageIsNotWritten)
     }
 }
 
-TEST(PixelMap, RoundTripKeepsEveryPixelAndEveryCutIsRefused)
-{
-    PixelMap map(3, 2, Format::RGB_565);
-    ASSERT_TRUE(map.SetPixels({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
-    Parcel full;
-    ASSERT_TRUE(map.Marshalling(full));
-    for (size_t cut = 0; cut <= full.GetDataSize(); ++cut) {
-        Parcel parcel;
-        parcel.ParseFrom(full.GetData(), cut);
-        std::unique_ptr<PixelMap> back(PixelMap::Unmarshalling(parcel));
-        EXPECT_EQ(back != nullptr && *back == map, cut == full.GetDataSize()) << "cut at " << cut;
-    }
-}
-
 TEST(PixelMap, MalformedHeadersAreRefusedBeforeAnythingTheirSizeIsAllocated)
 {
     struct Case {

@@ -10,25 +10,15 @@ using Kavo::Parcel;
 using Kavo::AAFwk::WantParams;
 using Kavo::AAFwk::WantValueType;
 
-TEST(WantParams, EveryValueTypeSurvivesAParcelAndCopiesAreDeep)
+// Round trips are the fuzzer's work; here what a round trip cannot show.
+TEST(WantParams, ALiteralStaysAStringAndCopiesAreDeep)
 {
     WantParams inner;
     inner.SetParam("flag", true);
-    inner.SetParam("big", int64_t{1} << 40);
     WantParams params;
     params.SetParam("name", "push");
-    params.SetParam("count", int32_t{-3});
-    params.SetParam("ratio", 0.25);
     params.SetParam("inner", inner);
-    Parcel parcel;
-    ASSERT_TRUE(params.Marshalling(parcel) && WantParams().Marshalling(parcel));
-    std::unique_ptr<WantParams> back(WantParams::Unmarshalling(parcel, 1));
-    std::unique_ptr<WantParams> empty(WantParams::Unmarshalling(parcel, 1));
-    ASSERT_TRUE(back != nullptr && empty != nullptr);
-    EXPECT_EQ(*back, params);
-    EXPECT_EQ(std::get<std::string>(*back->GetParam("name")), "push") << "a string literal stays a string";
-    EXPECT_TRUE(empty->IsEmpty());
-    EXPECT_EQ(parcel.GetReadableBytes(), 0u);
+    EXPECT_EQ(std::get<std::string>(*params.GetParam("name")), "push") << "not taken as a bool";
     WantParams copy = params;
     std::get<std::shared_ptr<WantParams>>(*copy.GetParam("inner"))->SetParam("flag", false);
     EXPECT_NE(copy, params) << "changing the copy's nested map must not reach the original";

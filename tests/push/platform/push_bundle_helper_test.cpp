@@ -79,7 +79,6 @@ protected:
     unsigned char flags_ = 0;
 };
 
-// Each query meets its manager answering a failure code, then no manager at all.
 TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 {
     struct Case {

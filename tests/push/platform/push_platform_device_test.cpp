@@ -1,16 +1,12 @@
-// The platform queries on a realistic simulated device: every answer read from its state, and
-// timers really firing on its time service.
+// The platform queries on a realistic simulated device: every answer read from its state.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
-#include <future>
 
 #include "kavo/host/device/device.h"
 #include "kavo/push/platform/push_account_helper.h"
 #include "kavo/push/platform/push_bundle_helper.h"
 #include "kavo/push/platform/push_distribute_account_helper.h"
-#include "kavo/push/platform/push_timer_helper.h"
 #include "tests/push/platform/platform_mocks.h"
 
 namespace KavoTest {
@@ -21,8 +17,6 @@ using Kavo::Push::PushAccountHelper;
 using Kavo::Push::PushBaseRsp;
 using Kavo::Push::PushBundleHelper;
 using Kavo::Push::PushDistributeAccountHelper;
-using Kavo::Push::PushTimerHelper;
-using Kavo::Push::PushTimerInfo;
 using T = ExtensionAbilityType;
 
 const std::string MAIL = "com.example.mail", BROWSER = "com.example.browser";
@@ -88,9 +82,7 @@ std::string operator<<(const PushBaseRsp& rsp, const std::string& answer)
            answer;
 }
 
-// Every query answered from the device's state. The process queries' choices are pinned against
-// scripted managers; here the package and account answers are read from a device that matches
-// wants and owns uids for real.
+// The package and account answers of a device that matches wants and owns uids for real.
 TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
 {
     using H = PushBundleHelper;
@@ -153,26 +145,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         EXPECT_EQ(shown(), expected);
     }
     EXPECT_EQ(events_.Take(), Events{});
-}
-
-TEST_F(DeviceQueryTest, TimersStartedThroughTheHelperFireAndStop)
-{
-    std::promise<void> fired;  // set on the time service's thread; a second expiry would throw
-    auto timer = std::make_shared<PushTimerInfo>(0);
-    timer->SetCallback([&fired] { fired.set_value(); });
-    ASSERT_TRUE(PushTimerHelper::StartTimer(timer).Succeed());
-    EXPECT_EQ(fired.get_future().wait_for(std::chrono::seconds(5)), std::future_status::ready);
-    auto& service = device_.GetTimeService();
-    EXPECT_FALSE(service.IsArmed(timer->GetTimerId()));
-    auto later = std::make_shared<PushTimerInfo>(3600);
-    ASSERT_TRUE(PushTimerHelper::StartTimer(later).Succeed());
-    EXPECT_TRUE(service.IsArmed(later->GetTimerId()));
-    EXPECT_TRUE(PushTimerHelper::StopTimer(later).Succeed());
-    EXPECT_FALSE(service.IsArmed(later->GetTimerId()));
-    EXPECT_TRUE(PushTimerHelper::RestartTimer(later).Succeed());
-    EXPECT_TRUE(service.IsArmed(later->GetTimerId()));
-    EXPECT_TRUE(PushTimerHelper::DestoryTimer(later).Succeed());
-    EXPECT_EQ(PushTimerHelper::StopTimer(later).GetErrDescription(), "Stop timer failed") << "destroyed";
 }
 
 }  // namespace

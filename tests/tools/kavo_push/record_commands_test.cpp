@@ -55,7 +55,6 @@ TEST(RecordCommandsTest, EveryTypeSurvivesEncodeThenDecode)
         {"RemoteNotificationRequest", R"({"survivalTime":-1,"overlayIconSize":250,"contentSize":0,)"
                                       R"("remoteNotification":{"type":"t","data":"d","id":7}})"},
         {"RemoteNotificationResult", R"({"content":)" + CONTENT + R"(,"parameters":)" + PARAMS + "}"},
-        {"RemoteNotificationResult", R"({"content":{}})"},
         {"PushPayload", PAYLOAD},
         {"PushExtensionInfo", R"({"survivalTime":30,"sync":true,"pushPayload":)" + PAYLOAD + "}"},
         {"RemoteLocationRequest", R"({"survivalTime":0,"sync":false,"pushPayload":)" + PAYLOAD + "}"},
@@ -71,7 +70,6 @@ TEST(RecordCommandsTest, EveryTypeSurvivesEncodeThenDecode)
         {"SubscribeNotificationSetting", R"({"bundleName":"com.example"})"},
         {"SubscribeNotificationBasicSetting", R"({"enabled":true})"},
         {"WantParams", PARAMS},
-        {"WantParams", "{}"},
         {"PixelMap", R"({"width":3,"height":1,"format":"ALPHA_8","pixels":"010203"})"},
     };
     std::set<std::string> covered;

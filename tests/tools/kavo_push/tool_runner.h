@@ -1,9 +1,6 @@
 // Runs the built kavo-push (or another program, such as openssl) as a child process: standard
 // input from a string, standard output and error captured whole, the exit status returned.
 // Every call uses its own scratch directory, so suites may run calls from several threads.
-//
-//   KavoTest::ToolRun run = KavoTest::RunTool({"sha256"}, "abc");
-//   EXPECT_EQ(run.status, 0);
 #ifndef KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
 #define KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
 
