@@ -49,8 +49,8 @@ public:
     ~IAppMgr() override = default;
 
     // The running processes of a bundle under an account, all clones included; 0 on success.
-    virtual int32_t GetRunningProcessInformation(const std::string& bundleName, int32_t userId,
-                                                 std::vector<RunningProcessInfo>& infos) = 0;
+    virtual int32_t ListRunningProcesses(const std::string& bundleName, int32_t userId,
+                                         std::vector<RunningProcessInfo>& infos) = 0;
 };
 
 }  // namespace Kavo::AppExecFwk

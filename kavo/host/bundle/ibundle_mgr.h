@@ -22,12 +22,12 @@ public:
 
     ~IBundleMgr() override = default;
 
-    virtual ErrCode QueryExtensionAbilityInfosV9(const AAFwk::Want& want, int32_t flags, int32_t userId,
-                                                 std::vector<ExtensionAbilityInfo>& infos) = 0;
-    virtual ErrCode QueryExtensionAbilityInfosV9(const AAFwk::Want& want, ExtensionAbilityType type, int32_t flags,
-                                                 int32_t userId, std::vector<ExtensionAbilityInfo>& infos) = 0;
-    virtual ErrCode QueryAbilityInfosV9(const AAFwk::Want& want, int32_t flags, int32_t userId,
-                                        std::vector<AbilityInfo>& infos) = 0;
+    virtual ErrCode FindExtensionAbilities(const AAFwk::Want& want, int32_t flags, int32_t userId,
+                                           std::vector<ExtensionAbilityInfo>& infos) = 0;
+    virtual ErrCode FindExtensionAbilities(const AAFwk::Want& want, ExtensionAbilityType type, int32_t flags,
+                                           int32_t userId, std::vector<ExtensionAbilityInfo>& infos) = 0;
+    virtual ErrCode FindAbilities(const AAFwk::Want& want, int32_t flags, int32_t userId,
+                                  std::vector<AbilityInfo>& infos) = 0;
     virtual bool QueryAbilityInfo(const AAFwk::Want& want, int32_t flags, int32_t userId, AbilityInfo& info) = 0;
     virtual bool GetApplicationInfo(const std::string& bundleName, ApplicationFlag flag, int32_t userId,
                                     ApplicationInfo& info) = 0;
@@ -35,11 +35,11 @@ public:
     // INVALID_UID for a bundle, user or app index the manager does not know.
     virtual int32_t GetUidByBundleName(const std::string& bundleName, int32_t userId, int32_t appIndex) = 0;
     virtual ErrCode GetBundleInfoV9(const std::string& bundleName, int32_t flags, BundleInfo& info, int32_t userId) = 0;
-    virtual ErrCode GetCloneBundleInfo(const std::string& bundleName, int32_t flags, int32_t appIndex, BundleInfo& info,
-                                       int32_t userId) = 0;
-    virtual ErrCode GetNameAndIndexForUid(int32_t uid, std::string& bundleName, int32_t& appIndex) = 0;
-    virtual ErrCode IsBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
-                                      bool& isInstalled) = 0;
+    virtual ErrCode GetCloneRecord(const std::string& bundleName, int32_t flags, int32_t appIndex, BundleInfo& info,
+                                   int32_t userId) = 0;
+    virtual ErrCode GetBundleNameAndCloneIndex(int32_t uid, std::string& bundleName, int32_t& appIndex) = 0;
+    virtual ErrCode CheckBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
+                                         bool& isInstalled) = 0;
 };
 
 }  // namespace Kavo::AppExecFwk

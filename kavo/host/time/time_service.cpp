@@ -56,15 +56,15 @@ uint64_t TimeService::CreateTimer(std::shared_ptr<ITimerInfo> timerInfo)
 
 bool TimeService::StartTimer(uint64_t timerId, uint64_t triggerTimeMs)
 {
-    {
-        std::lock_guard<std::mutex> lock(state_->mutex);
-        auto it = state_->timers.find(timerId);
-        if (it == state_->timers.end()) {
-            return false;
-        }
-        it->second.armed = true;
-        it->second.deadlineMs = triggerTimeMs;
+    // Notified under the lock: once it is released the timer may fire and its callback may
+    // destroy this service, so nothing of `this` is touched after that.
+    std::lock_guard<std::mutex> lock(state_->mutex);
+    auto it = state_->timers.find(timerId);
+    if (it == state_->timers.end()) {
+        return false;
     }
+    it->second.armed = true;
+    it->second.deadlineMs = triggerTimeMs;
     state_->changed.notify_all();
     return true;
 }

@@ -58,7 +58,7 @@ PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const
                                                          std::vector<ExtensionAbilityInfo>& infos)
 {
     return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
-        int32_t code = mgr.QueryExtensionAbilityInfosV9(want, 0, userId, infos);
+        int32_t code = mgr.FindExtensionAbilities(want, 0, userId, infos);
         if (code != 0) {
             PUSH_LOGE("query extension fail:%{public}d", code);
             return PushBaseRsp(PUSH_ERR_EXTENSION_NOT_EXIST, "query extension fail:%s", std::to_string(code).c_str());
@@ -72,7 +72,7 @@ PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const
                                                          std::vector<ExtensionAbilityInfo>& infos)
 {
     return WithBundleMgr("Get Bundle Mgr Fail", [&](IBundleMgr& mgr) {
-        int32_t code = mgr.QueryExtensionAbilityInfosV9(want, type, flags, userId, infos);
+        int32_t code = mgr.FindExtensionAbilities(want, type, flags, userId, infos);
         if (code != 0) {
             PUSH_LOGE("Query extension ability info failed:%{public}d", code);
             return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query extension ability info failed:%d", code);
@@ -84,7 +84,7 @@ PushBaseRsp PushBundleHelper::QueryExtensionAbilityInfos(const Want& want, const
 PushBaseRsp PushBundleHelper::QueryAbilityInfos(const Want& want, const int& userId, std::vector<AbilityInfo>& infos)
 {
     return WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
-        int32_t code = mgr.QueryAbilityInfosV9(want, 0, userId, infos);
+        int32_t code = mgr.FindAbilities(want, 0, userId, infos);
         if (code != 0) {
             PUSH_LOGE("Query Ability InfosV9 Fail");
             return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, "Query ability infos failed:%d", code);
@@ -156,7 +156,7 @@ BundleInfo PushBundleHelper::GetBundleInfo(const std::string& bundleName, const 
 {
     BundleInfo info;
     WithBundleMgr(InfoFormat("Get bundle mgr fail: %{public}s"), [&](IBundleMgr& mgr) {
-        ret = mgr.GetCloneBundleInfo(bundleName, BUNDLE_FLAG_WITH_APPLICATION, appIndex, info, userId);
+        ret = mgr.GetCloneRecord(bundleName, BUNDLE_FLAG_WITH_APPLICATION, appIndex, info, userId);
         if (ret != 0) {
             PUSH_LOGE("Get clone bundle info %{public}s failed: %{public}d", bundleName.c_str(), ret);
         }
@@ -169,7 +169,7 @@ PushBaseRsp PushBundleHelper::GetAppIndex(const int& uid, int& appIndex)
 {
     return WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
         std::string bundleName;
-        int32_t code = mgr.GetNameAndIndexForUid(uid, bundleName, appIndex);
+        int32_t code = mgr.GetBundleNameAndCloneIndex(uid, bundleName, appIndex);
         if (code != 0) {
             PUSH_LOGE("Get appIndex faild: %{public}d", code);
             return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED,
@@ -185,7 +185,7 @@ std::pair<PushBaseRsp, int> PushBundleHelper::GetInstalledStatus(const std::stri
     int status = INSTALLED_STATUS_UNKNOWN;
     PushBaseRsp rsp = WithBundleMgr("get bundle mgr fail", [&](IBundleMgr& mgr) {
         bool installed = false;
-        int32_t code = mgr.IsBundleInstalled(bundleName, userId, appIndex, installed);
+        int32_t code = mgr.CheckBundleInstalled(bundleName, userId, appIndex, installed);
         if (code != 0) {
             PUSH_LOGE("Get install status failed, %{public}d", code);
             return PushBaseRsp(PUSH_ERR_NONE, "Get install status failed, %d", code);

@@ -44,7 +44,7 @@ PushBaseRsp PushBundleHelper::GetIpcClientUserInfo(ClientUserInfo& info)
     PUSH_LOGI("GetCallingUid uid: %{public}d", uid);
     PushBaseRsp rsp = WithBundleMgr(CodeFormat("Get BundleMgr failed, ret: %{public}d"), [&](IBundleMgr& mgr) {
         info.uid = uid;
-        int32_t code = mgr.GetNameAndIndexForUid(uid, info.bundleName, info.appIndex);
+        int32_t code = mgr.GetBundleNameAndCloneIndex(uid, info.bundleName, info.appIndex);
         if (code != 0) {
             PUSH_LOGW("Get uid %{public}d, appIndex, bundle name failed, ret:%{public}d", uid, code);
             return PushBaseRsp(PUSH_ERR_NONE, INNER_ERR_CLIENT_INFO_REFUSED,
@@ -177,7 +177,7 @@ bool PushBundleHelper::IsGivenExtensionProcessRunning(const std::string& bundleN
         return false;
     }
     std::vector<RunningProcessInfo> processes;
-    int32_t code = mgr->GetRunningProcessInformation(bundleName, userId, processes);
+    int32_t code = mgr->ListRunningProcesses(bundleName, userId, processes);
     if (code != 0) {
         PUSH_LOGE_AND_REPORT(INNER_ERR_EXTENSION_PROCESS_QUERY_FAILED,
                              "get running process information ret(%{public}d)", code);

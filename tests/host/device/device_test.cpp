@@ -66,7 +66,7 @@ TEST_F(DeviceTest, UidsAndAccountsFollowTheInstalledState)
     for (const Case c : {Case{100, 0, 20010042}, {100, 1, 20010043}, {101, 0, 20210042}, {100, 2, -1}, {102, 0, -1}}) {
         EXPECT_EQ(Bms()->GetUidByBundleName(MAIL, c.userId, c.appIndex), c.uid);
         if (c.uid > 0) {
-            EXPECT_EQ(Bms()->GetNameAndIndexForUid(c.uid, name, appIndex), 0);
+            EXPECT_EQ(Bms()->GetBundleNameAndCloneIndex(c.uid, name, appIndex), 0);
             EXPECT_EQ(OsAccountManager::GetOsAccountLocalIdFromUid(c.uid, localId), 0);
             EXPECT_EQ(std::make_tuple(name, appIndex, localId), std::make_tuple(MAIL, c.appIndex, c.userId));
         }

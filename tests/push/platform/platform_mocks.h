@@ -53,24 +53,24 @@ inline std::vector<std::string> Lines(const Kavo::LogCapture& cap)
 
 class MockBundleMgr : public IBundleMgr {
 public:
-    MOCK_METHOD(ErrCode, QueryExtensionAbilityInfosV9,
-                (const Want&, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&), (override));
-    MOCK_METHOD(ErrCode, QueryExtensionAbilityInfosV9,
+    MOCK_METHOD(ErrCode, FindExtensionAbilities, (const Want&, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&),
+                (override));
+    MOCK_METHOD(ErrCode, FindExtensionAbilities,
                 (const Want&, ExtensionAbilityType, int32_t, int32_t, std::vector<ExtensionAbilityInfo>&), (override));
-    MOCK_METHOD(ErrCode, QueryAbilityInfosV9, (const Want&, int32_t, int32_t, std::vector<AbilityInfo>&), (override));
+    MOCK_METHOD(ErrCode, FindAbilities, (const Want&, int32_t, int32_t, std::vector<AbilityInfo>&), (override));
     MOCK_METHOD(bool, QueryAbilityInfo, (const Want&, int32_t, int32_t, AbilityInfo&), (override));
     MOCK_METHOD(bool, GetApplicationInfo, (const std::string&, ApplicationFlag, int32_t, ApplicationInfo&), (override));
     MOCK_METHOD(ErrCode, GetNameForUid, (int32_t, std::string&), (override));
     MOCK_METHOD(int32_t, GetUidByBundleName, (const std::string&, int32_t, int32_t), (override));
     MOCK_METHOD(ErrCode, GetBundleInfoV9, (const std::string&, int32_t, BundleInfo&, int32_t), (override));
-    MOCK_METHOD(ErrCode, GetCloneBundleInfo, (const std::string&, int32_t, int32_t, BundleInfo&, int32_t), (override));
-    MOCK_METHOD(ErrCode, GetNameAndIndexForUid, (int32_t, std::string&, int32_t&), (override));
-    MOCK_METHOD(ErrCode, IsBundleInstalled, (const std::string&, int32_t, int32_t, bool&), (override));
+    MOCK_METHOD(ErrCode, GetCloneRecord, (const std::string&, int32_t, int32_t, BundleInfo&, int32_t), (override));
+    MOCK_METHOD(ErrCode, GetBundleNameAndCloneIndex, (int32_t, std::string&, int32_t&), (override));
+    MOCK_METHOD(ErrCode, CheckBundleInstalled, (const std::string&, int32_t, int32_t, bool&), (override));
 };
 
 class MockAppMgr : public IAppMgr {
 public:
-    MOCK_METHOD(int32_t, GetRunningProcessInformation, (const std::string&, int32_t, std::vector<RunningProcessInfo>&),
+    MOCK_METHOD(int32_t, ListRunningProcesses, (const std::string&, int32_t, std::vector<RunningProcessInfo>&),
                 (override));
 };
 

@@ -57,8 +57,7 @@ protected:
     ~BundleQueryTest() override { Kavo::IPCSkeleton::ResetCallingUid(); }
     void Answer(const std::vector<RunningProcessInfo>& list)
     {
-        EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _))
-            .WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
+        EXPECT_CALL(**ams_, ListRunningProcesses(MAIL, USER, _)).WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
     }
 
     ScopedReadiness readiness_;
@@ -94,21 +93,21 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
 // The manager expectation answering `code` once, and the query as a callable.
 #define BMS_ANSWERS(call, code) [&] { EXPECT_CALL(**bms_, call).WillOnce(Return(code)); }
 #define ASK(call) [&] { return PushBundleHelper::call; }
-    auto processes6 = [&] { EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6)); };
+    auto processes6 = [&] { EXPECT_CALL(**ams_, ListRunningProcesses(MAIL, USER, _)).WillOnce(Return(6)); };
     const Case cases[] = {
-        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, 0, USER, _), 7),
+        {BMS_ANSWERS(FindExtensionAbilities(_, 0, USER, _), 7),
          ASK(QueryExtensionAbilityInfos(want_, USER, extensions_)), 1000900002, "query extension fail:7", "", &BMS,
          "Get Bundle Mgr Fail"},
-        {BMS_ANSWERS(QueryExtensionAbilityInfosV9(_, T::PUSH, 3, USER, _), -5),
+        {BMS_ANSWERS(FindExtensionAbilities(_, T::PUSH, 3, USER, _), -5),
          ASK(QueryExtensionAbilityInfos(want_, T::PUSH, 3, USER, extensions_)), 1000900001,
          "Query extension ability info failed:-5", "", &BMS, "Get Bundle Mgr Fail"},
-        {BMS_ANSWERS(QueryAbilityInfosV9(_, 0, USER, _), 9), ASK(QueryAbilityInfos(want_, USER, abilities_)),
-         1000900001, "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
+        {BMS_ANSWERS(FindAbilities(_, 0, USER, _), 9), ASK(QueryAbilityInfos(want_, USER, abilities_)), 1000900001,
+         "Query ability infos failed:9", "Query Ability InfosV9 Fail", &BMS, "get bundle mgr fail"},
         {BMS_ANSWERS(QueryAbilityInfo(_, 4, USER, _), false), ASK(QueryAbilityInfo(want_, 4, USER, ability_)),
          1000900001, "query ability info failed", "", &BMS, "Get Bundle Mgr Fail:" + BMS.info},
         {BMS_ANSWERS(GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _), false),
-         ASK(GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, app_)), 1000900001, "Get application info fail",
-         "", &BMS, "Get Bundle Mgr Fail"},
+         ASK(GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, app_)), 1000900001, "Get application info fail", "",
+         &BMS, "Get Bundle Mgr Fail"},
         {BMS_ANSWERS(GetNameForUid(20010001, _), 8521225), ASK(GetNameForUid(20010001, name_)), 1000900001,
          "Get name for uid fail: 8521225", "", &BMS, "Get Bundle Mgr Fail"},
         {BMS_ANSWERS(GetUidByBundleName(MAIL, USER, 0), -1), ASK(GetUidByBundleName(MAIL, USER, uid_, 0)), 0, "", "",
@@ -116,17 +115,17 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 8521220), ASK(GetBundleInfoV9(MAIL, USER, bundle_)), -1,
          "Get RimoBundleInfo, 8521220", "GetBundleInfoV9 failed ret:8521220", &BMS,
          "GetBundleInfoV9 get bundle mgr fail", Kavo::LEVEL_WARN},
-        {BMS_ANSWERS(GetNameAndIndexForUid(20010001, _, _), 12), ASK(GetAppIndex(20010001, uid_)), -1,
+        {BMS_ANSWERS(GetBundleNameAndCloneIndex(20010001, _, _), 12), ASK(GetAppIndex(20010001, uid_)), -1,
          "get appIndex failed:12", "Get appIndex faild: 12", &BMS, "get bundle mgr fail"},
-        {BMS_ANSWERS(IsBundleInstalled(MAIL, USER, 2, _), 5), ASK(GetInstalledStatus(MAIL, USER, 2).first), -1,
+        {BMS_ANSWERS(CheckBundleInstalled(MAIL, USER, 2, _), 5), ASK(GetInstalledStatus(MAIL, USER, 2).first), -1,
          "Get install status failed, 5", "", &BMS, "get bundle mgr fail"},
         {BMS_ANSWERS(GetBundleInfoV9(MAIL, 1, _, USER), 5), ASK(GetInstalledStatusV9(MAIL, USER, uid_).first), -1,
          "Get install status failed, 5", "GetInstalledStatusV9 failed ret:5", &BMS, "get bundle mgr fail"},
-        {BMS_ANSWERS(GetNameAndIndexForUid(UID, _, _), 8521225), ASK(GetIpcClientUserInfo(caller_)), -1,
+        {BMS_ANSWERS(GetBundleNameAndCloneIndex(UID, _, _), 8521225), ASK(GetIpcClientUserInfo(caller_)), -1,
          "get uid, bundle name, appIndex fail:8521225", "Get uid 20010042, appIndex, bundle name failed, ret:8521225",
          &BMS, "Get BundleMgr failed, ret: 1000900001", Kavo::LEVEL_WARN},
         {[&] {
-             EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
+             EXPECT_CALL(**bms_, GetBundleNameAndCloneIndex(UID, _, _)).WillOnce(Return(0));
              EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(4194323));
          },
          ASK(GetIpcClientUserInfo(caller_)), 1000900001, "Get accountId local id from uid failed 4194323",
@@ -167,17 +166,17 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 0, ret).name.empty());
     EXPECT_EQ(ret, 3) << "no manager: the code is left as it was";
     bms_.emplace(BUNDLE_ID);
-    EXPECT_CALL(**bms_, GetCloneBundleInfo(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
+    EXPECT_CALL(**bms_, GetCloneRecord(MAIL, 1, 3, _, USER)).WillOnce(Return(8521290));
     EXPECT_TRUE(PushBundleHelper::GetBundleInfo(MAIL, USER, 3, ret).name.empty());
     EXPECT_EQ(ret, 8521290) << "a refused clone record hands back the code";
     EXPECT_TRUE(HasLine(cap_, "Get clone bundle info com.example.mail failed: 8521290"));
-    EXPECT_CALL(**bms_, GetNameAndIndexForUid(_, _, _)).WillRepeatedly(Return(12));
+    EXPECT_CALL(**bms_, GetBundleNameAndCloneIndex(_, _, _)).WillRepeatedly(Return(12));
     EXPECT_EQ(PushBundleHelper::GetAppIndex(1, uid_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
     EXPECT_EQ(PushBundleHelper::GetIpcClientUserInfo(caller_).GetInnerErr(), Kavo::Push::INNER_ERR_CLIENT_INFO_REFUSED);
     // The extension check answers false either way, with an exception report instead of a result.
     ReportRecorder reports;
     ams_.emplace(APP_ID);
-    EXPECT_CALL(**ams_, GetRunningProcessInformation(MAIL, USER, _)).WillOnce(Return(6));
+    EXPECT_CALL(**ams_, ListRunningProcesses(MAIL, USER, _)).WillOnce(Return(6));
     EXPECT_FALSE(PushBundleHelper::IsGivenExtensionProcessRunning(MAIL, USER, T::PUSH));
     auto& samgr = Kavo::SystemAbilityManagerClient::GetInstance();
     samgr.SetManagerAvailable(false);
@@ -197,7 +196,7 @@ TEST_F(BundleQueryTest, TracesAndWarningsKeepTheirLevels)
     EXPECT_CALL(**bms_, GetBundleInfoV9(MAIL, 1, _, USER))
         .Times(2)
         .WillRepeatedly(DoAll(SetArgReferee<2>(bundle_), Return(0)));
-    EXPECT_CALL(**bms_, GetNameAndIndexForUid(UID, _, _)).WillOnce(Return(0));
+    EXPECT_CALL(**bms_, GetBundleNameAndCloneIndex(UID, _, _)).WillOnce(Return(0));
     EXPECT_CALL(*accounts_, GetOsAccountLocalIdFromUid(UID, _)).WillOnce(Return(0));
     EXPECT_TRUE(PushBundleHelper::GetBundleInfoV9(MAIL, USER, bundle_).Succeed());
     EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid_).second, 1);
@@ -262,7 +261,7 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_CALL(**bms_, QueryExtensionAbilityInfosV9(_, 0, USER, _))
+        EXPECT_CALL(**bms_, FindExtensionAbilities(_, 0, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(c.answer), Return(c.code)));
         cap_.Clear();
         PushBaseRsp rsp = PushBundleHelper::ExtensionExist(Want(), USER, T::PUSH, c.appIndex);
@@ -295,7 +294,7 @@ TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
         EXPECT_CALL(*accounts_, GetForegroundOsAccounts(_))
             .WillOnce(DoAll(SetArgReferee<0>(c.foreground), Return(c.foregroundCode)));
         if (c.queryCode >= 0) {
-            EXPECT_CALL(**bms_, QueryAbilityInfosV9(::testing::Truly(isBrowserWant), 0, 101, _))
+            EXPECT_CALL(**bms_, FindAbilities(::testing::Truly(isBrowserWant), 0, 101, _))
                 .WillOnce(Return(c.queryCode));
         }
         cap_.Clear();

@@ -7,10 +7,10 @@ namespace Kavo::Host::internal {
 using AccountSA::ACCOUNT_NOT_FOUND;
 using AccountSA::ErrCode;
 
-int32_t DeviceAppMgr::GetRunningProcessInformation(const std::string& bundleName, int32_t userId,
-                                                   std::vector<RunningProcessInfo>& infos)
+int32_t DeviceAppMgr::ListRunningProcesses(const std::string& bundleName, int32_t userId,
+                                           std::vector<RunningProcessInfo>& infos)
 {
-    if (auto code = state_->TakeFault(Device::APP_SERVICE, "GetRunningProcessInformation")) {
+    if (auto code = state_->TakeFault(Device::APP_SERVICE, "ListRunningProcesses")) {
         return *code;
     }
     std::lock_guard<std::mutex> lock(state_->mutex);

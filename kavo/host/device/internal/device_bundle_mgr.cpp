@@ -62,27 +62,27 @@ ErrCode DeviceBundleMgr::QueryExtensions(const Want& want, const ExtensionAbilit
     return infos.empty() ? BUNDLE_ABILITY_NOT_FOUND : BUNDLE_OK;
 }
 
-ErrCode DeviceBundleMgr::QueryExtensionAbilityInfosV9(const Want& want, int32_t, int32_t userId,
-                                                      std::vector<ExtensionAbilityInfo>& infos)
+ErrCode DeviceBundleMgr::FindExtensionAbilities(const Want& want, int32_t, int32_t userId,
+                                                std::vector<ExtensionAbilityInfo>& infos)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "QueryExtensionAbilityInfosV9")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "FindExtensionAbilities")) {
         return *code;
     }
     return QueryExtensions(want, nullptr, userId, infos);
 }
 
-ErrCode DeviceBundleMgr::QueryExtensionAbilityInfosV9(const Want& want, ExtensionAbilityType type, int32_t,
-                                                      int32_t userId, std::vector<ExtensionAbilityInfo>& infos)
+ErrCode DeviceBundleMgr::FindExtensionAbilities(const Want& want, ExtensionAbilityType type, int32_t, int32_t userId,
+                                                std::vector<ExtensionAbilityInfo>& infos)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "QueryExtensionAbilityInfosV9")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "FindExtensionAbilities")) {
         return *code;
     }
     return QueryExtensions(want, &type, userId, infos);
 }
 
-ErrCode DeviceBundleMgr::QueryAbilityInfosV9(const Want& want, int32_t, int32_t userId, std::vector<AbilityInfo>& infos)
+ErrCode DeviceBundleMgr::FindAbilities(const Want& want, int32_t, int32_t userId, std::vector<AbilityInfo>& infos)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "QueryAbilityInfosV9")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "FindAbilities")) {
         return *code;
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
@@ -111,7 +111,7 @@ bool DeviceBundleMgr::QueryAbilityInfo(const Want& want, int32_t flags, int32_t 
         return false;
     }
     std::vector<AbilityInfo> infos;
-    if (QueryAbilityInfosV9(want, flags, userId, infos) != BUNDLE_OK) {
+    if (FindAbilities(want, flags, userId, infos) != BUNDLE_OK) {
         return false;
     }
     info = infos.front();
@@ -203,18 +203,18 @@ ErrCode DeviceBundleMgr::GetBundleInfoV9(const std::string& bundleName, int32_t,
     return FillBundleInfo(bundleName, 0, userId, info);
 }
 
-ErrCode DeviceBundleMgr::GetCloneBundleInfo(const std::string& bundleName, int32_t, int32_t appIndex, BundleInfo& info,
-                                            int32_t userId)
+ErrCode DeviceBundleMgr::GetCloneRecord(const std::string& bundleName, int32_t, int32_t appIndex, BundleInfo& info,
+                                        int32_t userId)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "GetCloneBundleInfo")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "GetCloneRecord")) {
         return *code;
     }
     return FillBundleInfo(bundleName, appIndex, userId, info);
 }
 
-ErrCode DeviceBundleMgr::GetNameAndIndexForUid(int32_t uid, std::string& bundleName, int32_t& appIndex)
+ErrCode DeviceBundleMgr::GetBundleNameAndCloneIndex(int32_t uid, std::string& bundleName, int32_t& appIndex)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "GetNameAndIndexForUid")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "GetBundleNameAndCloneIndex")) {
         return *code;
     }
     std::lock_guard<std::mutex> lock(state_->mutex);
@@ -228,10 +228,10 @@ ErrCode DeviceBundleMgr::GetNameAndIndexForUid(int32_t uid, std::string& bundleN
     return BUNDLE_OK;
 }
 
-ErrCode DeviceBundleMgr::IsBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
-                                           bool& isInstalled)
+ErrCode DeviceBundleMgr::CheckBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
+                                              bool& isInstalled)
 {
-    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "IsBundleInstalled")) {
+    if (auto code = state_->TakeFault(BUNDLE_SERVICE, "CheckBundleInstalled")) {
         return *code;
     }
     std::lock_guard<std::mutex> lock(state_->mutex);

@@ -21,23 +21,22 @@ class DeviceBundleMgr : public IBundleMgr {
 public:
     explicit DeviceBundleMgr(std::shared_ptr<DeviceState> state) : state_(std::move(state)) {}
 
-    ErrCode QueryExtensionAbilityInfosV9(const Want& want, int32_t flags, int32_t userId,
-                                         std::vector<ExtensionAbilityInfo>& infos) override;
-    ErrCode QueryExtensionAbilityInfosV9(const Want& want, ExtensionAbilityType type, int32_t flags, int32_t userId,
-                                         std::vector<ExtensionAbilityInfo>& infos) override;
-    ErrCode QueryAbilityInfosV9(const Want& want, int32_t flags, int32_t userId,
-                                std::vector<AbilityInfo>& infos) override;
+    ErrCode FindExtensionAbilities(const Want& want, int32_t flags, int32_t userId,
+                                   std::vector<ExtensionAbilityInfo>& infos) override;
+    ErrCode FindExtensionAbilities(const Want& want, ExtensionAbilityType type, int32_t flags, int32_t userId,
+                                   std::vector<ExtensionAbilityInfo>& infos) override;
+    ErrCode FindAbilities(const Want& want, int32_t flags, int32_t userId, std::vector<AbilityInfo>& infos) override;
     bool QueryAbilityInfo(const Want& want, int32_t flags, int32_t userId, AbilityInfo& info) override;
     bool GetApplicationInfo(const std::string& bundleName, ApplicationFlag flag, int32_t userId,
                             ApplicationInfo& info) override;
     ErrCode GetNameForUid(int32_t uid, std::string& bundleName) override;
     int32_t GetUidByBundleName(const std::string& bundleName, int32_t userId, int32_t appIndex) override;
     ErrCode GetBundleInfoV9(const std::string& bundleName, int32_t flags, BundleInfo& info, int32_t userId) override;
-    ErrCode GetCloneBundleInfo(const std::string& bundleName, int32_t flags, int32_t appIndex, BundleInfo& info,
-                               int32_t userId) override;
-    ErrCode GetNameAndIndexForUid(int32_t uid, std::string& bundleName, int32_t& appIndex) override;
-    ErrCode IsBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
-                              bool& isInstalled) override;
+    ErrCode GetCloneRecord(const std::string& bundleName, int32_t flags, int32_t appIndex, BundleInfo& info,
+                           int32_t userId) override;
+    ErrCode GetBundleNameAndCloneIndex(int32_t uid, std::string& bundleName, int32_t& appIndex) override;
+    ErrCode CheckBundleInstalled(const std::string& bundleName, int32_t userId, int32_t appIndex,
+                                 bool& isInstalled) override;
 
 private:
     ErrCode QueryExtensions(const Want& want, const ExtensionAbilityType* type, int32_t userId,
@@ -51,8 +50,8 @@ class DeviceAppMgr : public IAppMgr {
 public:
     explicit DeviceAppMgr(std::shared_ptr<DeviceState> state) : state_(std::move(state)) {}
 
-    int32_t GetRunningProcessInformation(const std::string& bundleName, int32_t userId,
-                                         std::vector<RunningProcessInfo>& infos) override;
+    int32_t ListRunningProcesses(const std::string& bundleName, int32_t userId,
+                                 std::vector<RunningProcessInfo>& infos) override;
 
 private:
     std::shared_ptr<DeviceState> state_;

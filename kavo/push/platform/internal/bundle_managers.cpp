@@ -53,7 +53,7 @@ PushBaseRsp QueryRunningProcesses(const std::string& bundleName, int userId, con
                                   std::vector<AppExecFwk::RunningProcessInfo>& processes)
 {
     return WithManager(GetAppMgr, noMgrLog, [&](IAppMgr& mgr) {
-        int32_t code = mgr.GetRunningProcessInformation(bundleName, userId, processes);
+        int32_t code = mgr.ListRunningProcesses(bundleName, userId, processes);
         if (code != 0) {
             PUSH_LOGE(failLog.text, code);
             return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, failDesc.text, code);
