@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kavo/host/log/log.h"
+#include "tests/support/test_support.h"
 
 namespace {
 
@@ -19,7 +20,6 @@ TEST(JsonTextTest, ParseFailuresCarryTheParserTextAndWritesKeepUtf8)
     ASSERT_TRUE(JsonUtils::Str2Json(R"({"ttl": 86400})", root).Succeed());
     const std::pair<std::string, std::string> failures[] = {
         {R"({"ttl": 86400)", "* Line 1, Column 14\n  Missing ',' or '}' in object declaration\n"},
-        {"", "* Line 1, Column 1\n  Syntax error: value, object or array expected.\n"},
         {std::string(5000, '['), "Exceeded stackLimit in readValue()."}};  // thrown by jsoncpp
     for (const auto& [text, errs] : failures) {
         Kavo::LogCapture cap;
@@ -27,9 +27,7 @@ TEST(JsonTextTest, ParseFailuresCarryTheParserTextAndWritesKeepUtf8)
         auto rsp = JsonUtils::Str2Json(text, untouched);
         EXPECT_EQ(rsp.GetInfo(), "json parse error, ret: 0, errs: " + errs + ": error(1000900001)");
         EXPECT_EQ(untouched, Json::Value("untouched"));
-        ASSERT_EQ(cap.Lines().size(), 1u);
-        EXPECT_EQ(cap.Lines()[0].level, Kavo::LEVEL_WARN);
-        EXPECT_EQ(cap.Lines()[0].text, "json parse error");
+        EXPECT_EQ(KavoTest::LogLines(cap), std::vector<std::string>{"W json parse error"});
     }
     root["name"] = "Zo\xC3\xAB \xE6\x8E\xA8";
     root["list"].append(1);
@@ -55,34 +53,21 @@ std::string Read(const char* json, Default... dflt)
         T value = 99;
         if constexpr (std::is_same_v<T, int>) {
             JsonUtils::ParseInt(root, "k", value, dflt...);
-        } else if constexpr (std::is_same_v<T, long>) {
-            JsonUtils::ParseInt64(root, "k", value, dflt...);
-        } else if constexpr (std::is_same_v<T, unsigned char>) {
-            JsonUtils::ParseUInt8(root, "k", value, dflt...);
         } else {
-            JsonUtils::ParseUint(root, "k", value, dflt...);
+            JsonUtils::ParseInt64(root, "k", value, dflt...);
         }
         return std::to_string(value);
     }
 }
 
-TEST(JsonTypedReadTest, EveryMismatchGivesTheDefault)
+// The JSON fuzzer holds every read with a default to the member's own type on each input; here
+// the defaults of the defaults, and values its corpus lacks.
+TEST(JsonTypedReadTest, DefaultsWholeDoublesAndWideIntegers)
 {
-    const std::string dflt = "dflt";
     const std::tuple<const char*, std::string, std::string> cases[] = {
-        {"int member reads", Read<int>(R"({"k": -42})", 7), "-42"},
-        {"int on an array root", Read<int>(R"([1, 2])", 7), "7"},
-        {"int on a missing key", Read<int>(R"({"j": 1})", 7), "7"},
-        {"int on a numeric string", Read<int>(R"({"k": "42"})", 7), "7"},
         {"int on a whole double reads it", Read<int>(R"({"k": 3.0})", 7), "3"},
-        {"int above the int range", Read<int>(R"({"k": 2147483648})", 7), "7"},
         {"int without default on a missing key gives 0", Read<int>(R"({})"), "0"},
         {"int64 reads past the int range", Read<long>(R"({"k": 9007199254740993})", 7L), "9007199254740993"},
-        {"uint8 keeps the low 8 bits of 300", Read<unsigned char>(R"({"k": 300})", 7), "44"},
-        {"uint reads -1 as 4294967295", Read<unsigned>(R"({"k": -1})", 7u), "4294967295"},
-        {"uint above the int maximum", Read<unsigned>(R"({"k": 2147483648})", 7u), "7"},
-        {"string member reads", Read<std::string>(R"({"k": "v\u00e9"})", dflt), "v\xC3\xA9"},
-        {"string on null", Read<std::string>(R"({"k": null})", dflt), "dflt"},
         {"string without default on a number gives an empty text", Read<std::string>(R"({"k": 1})"), ""},
     };
     for (const auto& [name, got, expected] : cases) {

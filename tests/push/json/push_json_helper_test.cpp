@@ -24,7 +24,6 @@ using Strings = std::vector<std::string>;
 namespace fs = std::filesystem;
 
 const char* const NO_FILE = nullptr;
-const char* const A_DIRECTORY = "<dir>";
 const char* const A_FIFO = "<fifo>";
 const char* const OVER_64_MIB = "<huge>";  // a sparse file one byte over 64 MiB
 
@@ -42,7 +41,7 @@ protected:
         env_ = std::make_unique<KavoTest::ScopedEnv>("KAVO_CONFIG_DIRS", (dir_ + "/nowhere:" + dir_ + "/cfg").c_str());
     }
     void TearDown() override { fs::remove_all(dir_); }
-    // Lays out `content` (NO_FILE, A_DIRECTORY or the text) as `file` ("@/name" in the scratch folder,
+    // Lays out `content` (NO_FILE, A_FIFO, OVER_64_MIB or the text) as `file` ("@/name" in the scratch folder,
     // "cfg/name" a configuration file, anything else a path passed as it is), runs `op` on it and
     // gives what it left: ROOT the root's compact text, STRING the member "k", ARRAY the set (seeded
     // with "seed") read from the member "hosts", joined with ','; SET (of "k" to "n\u00e9", the file
@@ -53,9 +52,7 @@ protected:
         fs::create_directories(dir_ + "/etc");
         fs::create_directory_symlink(dir_ + "/etc", dir_ + "/cfg");
         const std::string onDisk = file.rfind("@/", 0) == 0 ? dir_ + file.substr(1) : dir_ + "/" + file;
-        if (content == A_DIRECTORY) {
-            fs::create_directories(onDisk);
-        } else if (content == A_FIFO) {
+        if (content == A_FIFO) {
             mkfifo(onDisk.c_str(), 0600);
         } else if (content == OVER_64_MIB) {
             std::ofstream(onDisk).close();
@@ -99,15 +96,6 @@ protected:
         }
         return value;
     }
-    // Each line as "<level letter> <text>".
-    static Strings Logged(const Kavo::LogCapture& cap)
-    {
-        Strings lines;
-        for (const auto& line : cap.Lines()) {
-            lines.push_back("???DIWEF"[line.level] + (" " + line.text));
-        }
-        return lines;
-    }
 
     std::string dir_;
     std::unique_ptr<KavoTest::ScopedEnv> env_;
@@ -131,8 +119,8 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
     struct Case {
         const char* name;
         Op op;
-        std::string file;         // as Place takes it
-        const char* content;      // NO_FILE, A_DIRECTORY or the text
+        std::string file;         // as Run takes it
+        const char* content;      // as Run takes it
         std::string desc, value;  // desc empty on success; value as Run gives it
         Strings logs;
     };
@@ -140,7 +128,6 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"an empty path", ROOT, "", NO_FILE, "Path is illeage.", "", Strings{illegal, rootNoPath}},
         {"a 4096-byte path", ROOT, p4096, NO_FILE, "Path is illeage.", "", Strings{illegal, rootNoPath}},
         {"a 4095-byte path is opened", ROOT, p4095, NO_FILE, "Open file error.", "", Strings{open}},
-        {"a directory is no file to open", ROOT, "@/d", A_DIRECTORY, "Open file error.", "", Strings{open}},
         {"a FIFO is no file to open, and does not block", ROOT, "@/p", A_FIFO, "Open file error.", "", Strings{open}},
         {"a device is no file to open", ROOT, "/dev/zero", NO_FILE, "Open file error.", "", Strings{open}},
         {"a file over 64 MiB is not read", ROOT, "@/f", OVER_64_MIB, "Read file failed " + tooLarge + ".", "",
@@ -196,7 +183,7 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         EXPECT_EQ(Run(c.op, c.file, c.content, rsp), c.value) << c.name;
         EXPECT_EQ(rsp.GetErrAsInt32(), c.desc.empty() ? 0 : 1000900001) << c.name;
         EXPECT_EQ(rsp.GetErrDescription(), c.desc) << c.name;
-        EXPECT_EQ(Logged(cap), c.logs) << c.name;
+        EXPECT_EQ(KavoTest::LogLines(cap), c.logs) << c.name;
     }
 }
 
