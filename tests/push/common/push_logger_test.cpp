@@ -18,21 +18,15 @@ struct MaskCase {
 TEST(PushLoggerTest, GuardMasksEverySecondLetterOrDigitAndTagsByKind)
 {
     const MaskCase cases[] = {
-        {"empty", "", ""},
         {"dots continue the alternation", "192.168.1.10", "1*2.*6*.1.*0"},
         {"colons continue the alternation", "fe80::1ff:fe23", "f*8*::1*f:*e*3"},
         {"dash restarts the alternation", "ab-cd", "a*-c*"},
-        {"non-ascii bytes restart it",
-         "\xc3\xa9"
-         "1a",
-         "\xc3\xa9"
-         "1*"},
+        {"non-ascii bytes restart it", "é1a", "é1*"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(PushLogger::LogGuard(c.input), c.masked) << c.name;
     }
     const MaskCase tagCases[] = {
-        {"empty", "", ""},
         {"wifi tag of 22 characters with colons", "wifi_00:11:22:33:44:55", "wifi_00:11:22:33:**:**"},
         {"wifi tag of 22 characters without colon", "wifi-00-11-22-33-44-55", "wifi-00-11-22-33-**-**"},
         {"wifi tag of 21 characters falls back to half", "wifi_0:11:22:33:44:55", "wifi_0:11:**:**:**:**"},

@@ -10,6 +10,7 @@
 
 #include "kavo/host/log/log.h"
 #include "kavo/push/common/push_log.h"
+#include "tests/support/test_support.h"
 
 namespace {
 
@@ -69,8 +70,8 @@ TEST(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
             return c.attempts[calls++];
         });
         std::string lines;
-        for (const auto& line : capture.Lines()) {
-            lines += "???DIWEF"[line.level] + (" " + line.text + "|");
+        for (const auto& line : KavoTest::LogLines(capture)) {
+            lines += line + "|";
         }
         EXPECT_EQ(rsp.GetInfo(), c.info);
         EXPECT_EQ(rsp.GetSubStatusCode(), c.attempts[calls - 1].GetSubStatusCode());

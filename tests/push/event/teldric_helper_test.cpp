@@ -92,9 +92,7 @@ TEST(TeldricHelperTest, LogAndReportEvaluatesOnceThenWritesOneErrorLineThenOneRe
     PUSH_LOGE_AND_REPORT(INNER_ERR_DATA_CONVERT_FAILED, "Read %{public}s Error %d", "x", ++evaluations * 7);
     EXPECT_EQ(evaluations, 1);
     TeldricHelper::SetReportException(nullptr);
-    ASSERT_EQ(capture.Lines().size(), 1u);
-    EXPECT_EQ(capture.Lines()[0].level, Kavo::LEVEL_ERROR);
-    EXPECT_EQ(capture.Lines()[0].text, "Read x Error <private>");
+    EXPECT_EQ(KavoTest::LogLines(capture), std::vector<std::string>{"E Read x Error <private>"});
     EXPECT_EQ(reports, (Reports{{100002014, "Read x Error 7"}}));
     EXPECT_EQ(linesAtReport, 1u) << "the line is written before the report";
 }
