@@ -1,5 +1,6 @@
 // GoogleMock services of the platform, each registered under its system ability id for the scope,
-// a recorder of analytics events and a readiness registry reset around each test.
+// a recorder of analytics events (all sent on the calling thread) and a readiness registry reset
+// around each test.
 #ifndef KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 #define KAVO_TESTS_PUSH_PLATFORM_PLATFORM_MOCKS_H
 
@@ -113,20 +114,13 @@ class EventRecorder {
 public:
     EventRecorder()
     {
-        Kavo::Push::TeldricHelper::RegisterAddEventMethod([this](auto c, const auto& api, auto s, const auto& d) {
-            std::lock_guard<std::mutex> lock(mutex_);
-            events_.emplace_back(c, api, s, d);
-        });
+        Kavo::Push::TeldricHelper::RegisterAddEventMethod(
+            [this](auto c, const auto& api, auto s, const auto& d) { events_.emplace_back(c, api, s, d); });
     }
     ~EventRecorder() { Kavo::Push::TeldricHelper::RegisterAddEventMethod(nullptr); }
-    Events Take()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return std::exchange(events_, {});
-    }
+    Events Take() { return std::exchange(events_, {}); }
 
 private:
-    std::mutex mutex_;
     Events events_;
 };
 

@@ -115,14 +115,11 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
         {[&] { return H::GetAppUidForName(BROWSER, USER, number_) << str(number_); }, "20010050"},
         {[&] { return A::QueryActiveOsAccountIds(ids_) << str(ids_.size()); }, "2"},
         {[&] { return A::IsOsAccountVerified(verified_) << str(verified_); }, "1"},
-        {[&] { return H::GetCurrAccountId(number_) << str(number_); }, "100"},
-        {[&] { return H::GetCurrBundle(text_) << text_; }, "com.kavo.push"},
         {[&] {
              ids_ = {7};  // appended after what the caller held
              return A::GetForegroundOsAccounts(ids_) << str(ids_.size()) + " " + str(ids_.back());
          },
          "2 100"},
-        {[&] { return A::GetForegroundOsAccountLocalId(number_) << str(number_); }, "100"},
         {[&] { return A::GetOsAccountLocalIdFromUid(20210042, number_) << str(number_); }, "101"},
         {[&] {  // only the exact anonymous uid means nobody is logged in
              std::string shown;
