@@ -139,8 +139,6 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
          Strings{"E Get string from json error: Exceeded stackLimit in readValue()."}},
         {"array: nesting too deep reaches the reader's handler", ARRAY, "@/f", deep.c_str(), deepThrown, "seed",
          Strings{"E Get string from json error: Exceeded stackLimit in readValue()."}},
-        {"a configuration file via KAVO_CONFIG_DIRS", ROOT, "cfg/p.json", R"([1, {"a": 1}])", "", R"([1,{"a":1}])",
-         Strings{}},
         {"a configuration file found nowhere", ROOT, "cfg/p.json", NO_FILE, noRealPath, "",
          Strings{unresolved, rootNoPath}},
         {"a looked-up path past its buffer", ROOT, "cfg/" + longName, "{}", noRealPath, "",

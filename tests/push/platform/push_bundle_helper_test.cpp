@@ -56,6 +56,7 @@ protected:
     {
         EXPECT_CALL(**ams_, ListRunningProcesses(MAIL, USER, _)).WillOnce(DoAll(SetArgReferee<2>(list), Return(0)));
     }
+    std::string Pids(const Processes& list);
 
     ScopedReadiness readiness_;
     std::optional<ScopedBundleMgr> bms_{std::in_place, BUNDLE_ID};
@@ -338,19 +339,24 @@ TEST(NoBundleMgrTest, StartedButAbsentManagerNoRegistryAndAnotherInterface)
     EXPECT_TRUE(HasLine(cap, "IBundleMgr is null"));
 }
 
-enum Query { FOREGROUND_MAIN, FOREGROUND_EXTENSION, CHILD, PARENT };
-
-// What a pid query hands back: "fg"/"bg" and the pid for the foreground walk, else the pid.
-std::string Ask(Query q)
+// The pid queries on `list`: the foreground walk for the main process, then for the extension
+// ("fg"/"bg" and the pid, -7 when untouched), then the child's and the parent's pid.
+std::string BundleQueryTest::Pids(const Processes& list)
 {
-    int pid = -7;
-    bool fg = false;
-    PushBaseRsp rsp = q == CHILD    ? PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, pid)
-                      : q == PARENT ? PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, pid)
-                                    : PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid, fg,
-                                                                              q == FOREGROUND_EXTENSION);
-    EXPECT_TRUE(rsp.Succeed());
-    return (q < CHILD ? (fg ? "fg " : "bg ") : "") + std::to_string(pid);
+    std::string out;
+    for (bool extension : {false, true}) {
+        Answer(list);
+        int pid = -7;
+        bool fg = false;
+        EXPECT_TRUE(PushBundleHelper::IsRemoteForegrounding({MAIL, USER, 0, UID}, pid, fg, extension).Succeed());
+        out += (fg ? "fg " : "bg ") + std::to_string(pid) + ", ";
+    }
+    int child = 0, parent = 0;
+    Answer(list);
+    EXPECT_TRUE(PushBundleHelper::GetChildProcessPid(MAIL, USER, T::PUSH, UID, child).Succeed());
+    Answer(list);
+    EXPECT_TRUE(PushBundleHelper::GetParentProcessPid(MAIL, USER, UID, parent).Succeed());
+    return out + std::to_string(child) + ", " + std::to_string(parent);
 }
 
 TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
@@ -358,40 +364,31 @@ TEST_F(BundleQueryTest, PidQueriesPickTheirProcessByKindUidAndState)
     struct Case {
         const char* name;
         Processes list;
-        Query query;
-        std::string expected;
+        std::string pids;  // as Pids gives them
     };
     const auto remote = T::REMOTE_NOTIFICATION;
+    const std::string none = std::to_string(INT_MIN);
     const Case cases[] = {
-        {"foreground process after a background one",
-         Processes{Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND)}, FOREGROUND_MAIN, "fg 11"},
-        {"focused counts as foreground", Processes{Process(12, UID, FOCUS)}, FOREGROUND_MAIN, "fg 12"},
-        {"other uids are skipped", Processes{Process(13, OTHER, FOREGROUND)}, FOREGROUND_MAIN, "bg -7"},
-        {"the last background main process wins", Processes{Process(14, UID, BACKGROUND), Process(15, UID, READY)},
-         FOREGROUND_MAIN, "bg 15"},
-        {"extension: only the remote-notification one sets the pid",
+        {"the walk stops at the first foreground process; the extension walk leaves the pid",
+         Processes{Process(10, UID, BACKGROUND), Process(11, UID, FOREGROUND), Process(12, UID, BACKGROUND)},
+         "fg 11, fg -7, " + none + ", 10"},
+        {"other uids are skipped; focused counts as foreground",
+         Processes{Process(13, OTHER, FOREGROUND), Process(14, UID, FOCUS)}, "fg 14, fg -7, " + none + ", 14"},
+        {"the last background main process wins, only the remote-notification extension for the extension walk",
          Processes{Extension(16, UID, BACKGROUND, T::PUSH), Extension(17, UID, BACKGROUND, remote),
-                   Process(18, UID, BACKGROUND)},
-         FOREGROUND_EXTENSION, "bg 17"},
-        {"extension found before a foreground process keeps its pid",
-         Processes{Extension(19, UID, BACKGROUND, remote), Process(20, UID, FOREGROUND)}, FOREGROUND_EXTENSION,
-         "fg 19"},
-        {"the walk stops at the foreground process",
-         Processes{Process(21, UID, FOREGROUND), Process(22, UID, BACKGROUND)}, FOREGROUND_MAIN, "fg 21"},
-        {"child: type, extension type and uid must all match",
+                   Process(18, UID, BACKGROUND), Process(15, UID, READY)},
+         "bg 15, bg 17, 16, 18"},
+        {"an extension found before a foreground process keeps its pid",
+         Processes{Extension(19, UID, BACKGROUND, remote), Process(20, UID, FOREGROUND)},
+         "fg 20, fg 19, " + none + ", 20"},
+        {"a child is an extension process of the type and the uid",
          Processes{Extension(30, OTHER, READY, T::PUSH), Extension(31, UID, READY, T::VOIP),
-                   Extension(32, UID, READY, T::PUSH), Extension(33, UID, READY, T::PUSH)},
-         CHILD, "32"},
-        {"child: a normal process is no child", Processes{Process(34, UID, READY, ProcessType::NORMAL, T::PUSH)}, CHILD,
-         std::to_string(INT_MIN)},
-        {"parent: extensions of the uid are passed over",
-         Processes{Extension(35, UID, READY, T::PUSH), Process(36, OTHER, READY), Process(37, UID, READY),
-                   Process(38, UID, READY)},
-         PARENT, "37"},
+                   Process(34, UID, READY, ProcessType::NORMAL, T::PUSH), Extension(32, UID, READY, T::PUSH),
+                   Extension(33, UID, READY, T::PUSH)},
+         "bg 34, bg -7, 32, 34"},
     };
     for (const auto& c : cases) {
-        Answer(c.list);
-        EXPECT_EQ(Ask(c.query), c.expected) << c.name;
+        EXPECT_EQ(Pids(c.list), c.pids) << c.name;
     }
 }
 

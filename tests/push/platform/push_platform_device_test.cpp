@@ -66,7 +66,6 @@ protected:
     EventRecorder events_;
     Kavo::Host::Device device_;
     int number_ = -1;
-    bool verified_ = false;
     std::string text_;
     std::vector<int> ids_;
     AbilityInfo ability_;
@@ -113,14 +112,11 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          },
          "error -1 bundle is not installed: 0, error -1 : 0"},
         {[&] { return H::GetAppUidForName(BROWSER, USER, number_) << str(number_); }, "20010050"},
-        {[&] { return A::QueryActiveOsAccountIds(ids_) << str(ids_.size()); }, "2"},
-        {[&] { return A::IsOsAccountVerified(verified_) << str(verified_); }, "1"},
         {[&] {
              ids_ = {7};  // appended after what the caller held
              return A::GetForegroundOsAccounts(ids_) << str(ids_.size()) + " " + str(ids_.back());
          },
          "2 100"},
-        {[&] { return A::GetOsAccountLocalIdFromUid(20210042, number_) << str(number_); }, "101"},
         {[&] {  // only the exact anonymous uid means nobody is logged in
              std::string shown;
              for (const char* uid : {"kavoAnonymousUid", "5500123", "KavoAnonymousUid", "kavoAnonymousUid "}) {
