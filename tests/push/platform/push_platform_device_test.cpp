@@ -97,7 +97,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          "Viewer"},
         {[&] { return H::GetAbilityByUri(BROWSER, "http://a", USER, ability_) << ability_.name; }, "Viewer"},
         {[&] { return H::GetAbilityByName(MAIL, "MainAbility", USER, ability_) << ability_.name; }, "MainAbility"},
-        {[&] { return H::GetNameForUid(20010043, text_) << text_; }, MAIL},
         {[&] { return H::GetAppIndex(20010043, number_) << str(number_); }, "1"},
         {[&] {
              BundleInfo info = H::GetBundleInfo(MAIL, USER, 1, number_);
@@ -111,7 +110,6 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
              return (v9 << str(v9Status)) + ", " + (flag << str(flagStatus));
          },
          "error -1 bundle is not installed: 0, error -1 : 0"},
-        {[&] { return H::GetAppUidForName(BROWSER, USER, number_) << str(number_); }, "20010050"},
         {[&] {
              ids_ = {7};  // appended after what the caller held
              return A::GetForegroundOsAccounts(ids_) << str(ids_.size()) + " " + str(ids_.back());
