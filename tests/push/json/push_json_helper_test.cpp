@@ -108,10 +108,7 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
     const std::string open = "E GetJsonRootFromPath: Open File Error", noRealPath = "Parse real path failed";
     const std::string illegal = "W GetRealPath: Path is Illeage", unresolved = "E GetRealPath: Parse Real Path Failed";
     const std::string rootNoPath = "E GetJsonRootFromPath: GetRealPath Failed";
-    const std::string notJsonErrs = "* Line 1, Column 1\n  Syntax error: value, object or array expected.\n";
-    const std::string notJson = "Read file failed " + notJsonErrs + ".";
-    const std::string notJsonLog = "E GetJsonRootFromPath: Read File Failed " + notJsonErrs + ".";
-    const std::string tooDeep = "Read file failed Exceeded stackLimit in readValue()..";
+    const std::string notJson = "* Line 1, Column 1\n  Syntax error: value, object or array expected.\n.";
     const std::string deepThrown = "Get string from json error: Exceeded stackLimit in readValue()..";
     const std::string tooLarge = "file is larger than the limit of 67108864 bytes (64 MiB)";
     const std::string ios = "basic_ios::clear: iostream error";
@@ -132,8 +129,9 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"a device is no file to open", ROOT, "/dev/zero", NO_FILE, "Open file error.", "", Strings{open}},
         {"a file over 64 MiB is not read", ROOT, "@/f", OVER_64_MIB, "Read file failed " + tooLarge + ".", "",
          Strings{"E GetJsonRootFromPath: Read File Failed " + tooLarge + "."}},
-        {"no JSON", ROOT, "@/f", "x", notJson, "", Strings{notJsonLog}},
-        {"nesting too deep", ROOT, "@/f", deep.c_str(), tooDeep, "",
+        {"no JSON", ROOT, "@/f", "x", "Read file failed " + notJson, "",
+         Strings{"E GetJsonRootFromPath: Read File Failed " + notJson}},
+        {"nesting too deep", ROOT, "@/f", deep.c_str(), "Read file failed Exceeded stackLimit in readValue()..", "",
          Strings{"E GetJsonRootFromPath: Read File Failed Exceeded stackLimit in readValue().."}},
         {"string: nesting too deep reaches the reader's handler", STRING, "@/f", deep.c_str(), deepThrown, "",
          Strings{"E Get string from json error: Exceeded stackLimit in readValue()."}},

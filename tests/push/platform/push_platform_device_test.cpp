@@ -38,14 +38,13 @@ ExtensionAbilityInfo Extension(const std::string& name, T type, int appIndex)
     return info;
 }
 
-// A phone with a foreground owner (100), a guest (101), a mail app with a clone and a push
+// A phone with a foreground owner (100), a mail app with a clone and a push
 // extension, and a browser; the push service itself runs as a process of account 100.
 class DeviceQueryTest : public ::testing::Test {
 protected:
     DeviceQueryTest()
     {
         device_.AddAccount({USER, true, true, true});
-        device_.AddAccount({101, true, false, false});
         Kavo::Host::InstalledBundle mail(MAIL, 10042);
         mail.cloneIndexes = {1};
         mail.abilities = {Ability("MainAbility", {Want::ACTION_HOME}, {Want::ENTITY_HOME}, {}),

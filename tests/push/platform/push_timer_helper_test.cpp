@@ -7,7 +7,6 @@
 
 #include "kavo/push/platform/system_clock_util.h"
 #include "tests/push/platform/platform_mocks.h"
-#include "tests/support/test_support.h"
 
 namespace KavoTest {
 namespace {
