@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <stdexcept>
 
 #include "kavo/host/device/device.h"
@@ -21,11 +22,9 @@ std::vector<std::string> Describe(const Kavo::SysEventRecord& record)
 {
     std::vector<std::string> out;
     for (const auto& p : record.params) {
-        const auto* s = std::get_if<std::string>(&p.value);
-        const auto* i = std::get_if<int32_t>(&p.value);
-        out.push_back(p.key + (s   ? "=s:" + *s
-                               : i ? "=i:" + std::to_string(*i)
-                                   : "=u:" + std::to_string(std::get<uint64_t>(p.value))));
+        std::ostringstream value;
+        std::visit([&value](const auto& v) { value << v; }, p.value);
+        out.push_back(p.key + "=" + "siu"[p.value.index()] + ":" + value.str());
     }
     return out;
 }

@@ -105,9 +105,7 @@ using ScopedAppMgr = ScopedMockService<MockAppMgr, IAppMgr>;
 using ScopedAccountService = ScopedMockService<MockAccountService, Kavo::AccountSA::IAccountService>;
 using ScopedTimeService = ScopedMockService<MockTimeService, Kavo::MiscServices::ITimeService>;
 
-// One analytics event: component, api name, status, detail.
-using AnalyticsEvent = std::tuple<int, std::string, int, std::string>;
-using Events = std::vector<AnalyticsEvent>;
+using Events = std::vector<std::tuple<int, std::string, int, std::string>>;  // component, api, status, detail
 
 // Installs an analytics event hook for its lifetime; Take() hands over what came since the last Take().
 class EventRecorder {

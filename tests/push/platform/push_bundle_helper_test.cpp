@@ -251,7 +251,6 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
     const Case cases[] = {
         {"a match after another type does not count", {ext(T::SERVICE, 0), ext(T::PUSH, 0)}, 0, 0, 1000900002, ""},
         {"other clones' entries are dropped first", {ext(T::SERVICE, 1), ext(T::PUSH, 0)}, 0, 0, 0, ""},
-        {"the clone's own entry", {ext(T::PUSH, 0), ext(T::PUSH, 2)}, 0, 2, 0, ""},
         {"nothing left for the clone", {ext(T::PUSH, 0)}, 0, 1, 1000900002, ""},
         {"a failed query carries its text", {}, 4, 0, 1000900002, "query extension fail:4"},
     };
