@@ -1,5 +1,4 @@
-// The public message table (every row, its text and its order) and the helpers that rebuild a
-// result from a code or fold one result's information into another's description.
+// The public message table, and the helpers that rebuild a result or fold one into another.
 #include <gtest/gtest.h>
 
 #include <climits>

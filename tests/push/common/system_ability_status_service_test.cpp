@@ -1,5 +1,4 @@
-// The task runner over the readiness registry: when a failure is returned at once, when it waits
-// for the service and retries once, which codes it sets and which lines it logs at which level.
+// The task runner over the readiness registry: when it waits and retries, its codes and lines.
 #include "kavo/push/common/system_ability_status_service.h"
 
 #include <gtest/gtest.h>

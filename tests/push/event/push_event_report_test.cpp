@@ -1,5 +1,4 @@
-// System event reports: the catalogue's names and types, the parameter set each record and
-// event choose, and the service record's own bundle and account.
+// System event reports: names, types and the parameter set of each record and event.
 #include "kavo/push/event/push_event_report.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
-// The analytics switchboard: nothing happens without a hook, private formats never leave,
-// "{public}" markers are stripped before formatting, events pass through unchanged.
+// The analytics switchboard: hooks, private formats and "{public}" markers.
 #include <gtest/gtest.h>
 
 #include <sys/mman.h>
@@ -59,10 +58,9 @@ TEST(TeldricHelperTest, AddEventPassesEverythingThroughWhileAHookIsInstalled)
 {
     std::vector<std::tuple<int, std::string, int, std::string>> events;
     TeldricHelper::AddEvent(COMPONENT_TIMER, "Dropped", API_STATUS_FAILURE, "no hook yet");
-    TeldricHelper::RegisterAddEventMethod(
-        [&events](ComponentCode component, std::string const& api, ApiStatusCode status, std::string const& detail) {
-            events.emplace_back(component, api, status, detail);
-        });
+    TeldricHelper::RegisterAddEventMethod([&events](auto component, const auto& api, auto status, const auto& detail) {
+        events.emplace_back(component, api, status, detail);
+    });
     TeldricHelper::AddEvent(static_cast<ComponentCode>(999), "%{private}s", static_cast<ApiStatusCode>(-4), "%d");
     TeldricHelper::RegisterAddEventMethod(nullptr);
     TeldricHelper::AddEvent(COMPONENT_TIMER, "Dropped", API_STATUS_FAILURE, "hook removed");

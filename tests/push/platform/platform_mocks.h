@@ -123,8 +123,7 @@ private:
 };
 
 // The readiness registry, empty (every service UNKNOWN: no waiting) for the scope unless a test
-// tracks services. A wait lasts whole seconds, so tests track a service as started before the
-// call, or announce it from the first attempt.
+// tracks services; a wait lasts whole seconds.
 class ScopedReadiness {
 public:
     using Service = Kavo::Push::SystemAbilityStatusService;

@@ -39,7 +39,7 @@ ExtensionAbilityInfo Extension(const std::string& name, T type, int appIndex)
 }
 
 // A phone with a foreground owner (100), a mail app with a clone and a push
-// extension, and a browser; the push service itself runs as a process of account 100.
+// extension, and a browser.
 class DeviceQueryTest : public ::testing::Test {
 protected:
     DeviceQueryTest()
@@ -57,7 +57,6 @@ protected:
         browser.abilities = {
             Ability("Viewer", {"kavo.want.action.viewData"}, {"entity.system.browsable"}, {"https://", "http://"})};
         device_.InstallBundle(browser);
-        device_.SetProcessIdentity("com.kavo.push", USER * 200000 + 3100);
         device_.Activate();
     }
 

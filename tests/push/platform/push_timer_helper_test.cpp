@@ -62,11 +62,6 @@ TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
         EXPECT_EQ(timer->GetTimerId(), id);
         EXPECT_EQ(timer->type, c.type);
     }
-    auto timer = std::make_shared<PushTimerInfo>(10);
-    timer->SetTimerId(7);
-    bootMs_ += 1234;
-    EXPECT_CALL(*service_, StartTimer(7, BOOT_MS + 1234 + 10000)).WillOnce(Return(true));
-    EXPECT_TRUE(PushTimerHelper::RestartTimer(timer).Succeed()) << "restart keeps the id, moves the deadline";
 }
 
 TEST_F(TimerHelperTest, NullTimersAreReportedWithEachOperationsText)
