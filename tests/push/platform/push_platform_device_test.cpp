@@ -38,8 +38,7 @@ ExtensionAbilityInfo Extension(const std::string& name, T type, int appIndex)
     return info;
 }
 
-// A phone with a foreground owner (100), a mail app with a clone and a push
-// extension, and a browser.
+// A phone with a foreground owner (100), a mail app with a clone and a push extension, and a browser.
 class DeviceQueryTest : public ::testing::Test {
 protected:
     DeviceQueryTest()
@@ -64,8 +63,6 @@ protected:
     EventRecorder events_;
     Kavo::Host::Device device_;
     int number_ = -1;
-    std::string text_;
-    std::vector<int> ids_;
     AbilityInfo ability_;
 };
 
@@ -109,16 +106,16 @@ TEST_F(DeviceQueryTest, EveryQuerySucceedsWithTheDevicesAnswer)
          },
          "error -1 bundle is not installed: 0, error -1 : 0"},
         {[&] {
-             ids_ = {7};  // appended after what the caller held
-             return A::GetForegroundOsAccounts(ids_) << str(ids_.size()) + " " + str(ids_.back());
+             std::vector<int> ids = {7};  // appended after what the caller held
+             return A::GetForegroundOsAccounts(ids) << str(ids.size()) + " " + str(ids.back());
          },
          "2 100"},
         {[&] {  // only the exact anonymous uid means nobody is logged in
              std::string shown;
              for (const char* uid : {"kavoAnonymousUid", "5500123", "KavoAnonymousUid", "kavoAnonymousUid "}) {
                  device_.SetDistributedAccount(uid);
-                 text_ = "kept";
-                 shown += (PushDistributeAccountHelper::GetOsDistributedId(text_) << text_) + "|";
+                 std::string id = "kept";
+                 shown += (PushDistributeAccountHelper::GetOsDistributedId(id) << id) + "|";
              }
              return shown;
          },
