@@ -12,8 +12,7 @@
 
 namespace KavoTest {
 
-// Installs an analytics exception hook for its lifetime and records every report. Its mutex
-// forbids copies.
+// Installs an analytics exception hook for its lifetime and records every report.
 class ReportRecorder {
 public:
     using Reported = std::vector<std::pair<int, std::string>>;

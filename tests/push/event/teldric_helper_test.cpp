@@ -20,12 +20,8 @@ using Reports = std::vector<std::pair<int, std::string>>;
 
 TEST(TeldricHelperTest, ReportsStripPublicMarkersAndDropPrivateFormats)
 {
-    struct Case {
-        const char* name;
-        const char* fmt;  // every format takes ("x", 7) or less
-        Reports reports;
-    };
-    const Case cases[] = {
+    // The name, a format taking ("x", 7) or less, and what is reported.
+    const std::tuple<const char*, const char*, Reports> cases[] = {
         {"two public markers removed", "Read %{public}s Error %{public}d", {{100002014, "Read x Error 7"}}},
         {"plain conversions are formatted", "Read %s Error %d", {{100002014, "Read x Error 7"}}},
         {"private conversion never reported", "Read %{private}s Error %{public}d", {}},
@@ -34,10 +30,10 @@ TEST(TeldricHelperTest, ReportsStripPublicMarkersAndDropPrivateFormats)
         {"empty text is not reported", "%.0s", {}},
         {"percent escape kept", "100%% %{public}s", {{100002014, "100% x"}}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, fmt, reports] : cases) {
         KavoTest::ReportRecorder recorder;
-        TeldricHelper::AsyncReportCommonException(INNER_ERR_DATA_CONVERT_FAILED, c.fmt, "x", 7);
-        EXPECT_EQ(recorder.Reports(), c.reports) << c.name;
+        TeldricHelper::AsyncReportCommonException(INNER_ERR_DATA_CONVERT_FAILED, fmt, "x", 7);
+        EXPECT_EQ(recorder.Reports(), reports) << name;
     }
 }
 
