@@ -211,18 +211,16 @@ TEST_F(BundleQueryTest, TracesAndWarningsKeepTheirLevels)
 
 TEST_F(BundleQueryTest, ApplicationRecordFeedsUidSystemFlagAndCheckerBits)
 {
-    struct Case {
-        bool asan, tsan, gwp, hwasan;
-        unsigned char flags;
-    };
-    const Case cases[] = {{false, true, true, true, 14}, {true, false, false, true, 9}};
-    for (const auto& c : cases) {
-        app_.asanEnabled = c.asan, app_.tsanEnabled = c.tsan;
-        app_.gwpAsanEnabled = c.gwp, app_.hwAsanEnabled = c.hwasan;
+    // asan, tsan, gwp-asan and hwasan enabled, and the checker flags they give.
+    const std::tuple<bool, bool, bool, bool, int> cases[] = {{false, true, true, true, 14},
+                                                             {true, false, false, true, 9}};
+    for (const auto& [asan, tsan, gwp, hwasan, flags] : cases) {
+        app_.asanEnabled = asan, app_.tsanEnabled = tsan;
+        app_.gwpAsanEnabled = gwp, app_.hwAsanEnabled = hwasan;
         EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _))
             .WillOnce(DoAll(SetArgReferee<3>(app_), Return(true)));
         EXPECT_TRUE(PushBundleHelper::GetAppAnitizerFlag(MAIL, USER, flags_).Succeed());
-        EXPECT_EQ(flags_, c.flags);
+        EXPECT_EQ(flags_, flags);
     }
     EXPECT_CALL(**bms_, GetApplicationInfo(MAIL, APPLICATION_INFO_BASIC, USER, _)).WillRepeatedly(Return(false));
     EXPECT_FALSE(PushBundleHelper::IsSystemApp(MAIL, USER));

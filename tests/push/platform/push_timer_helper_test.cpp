@@ -42,25 +42,20 @@ protected:
 
 TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
 {
-    struct Case {
-        int duration;
-        bool wakeup;
-        int type;
-        uint64_t deadline;
-    };
-    const Case cases[] = {{30, false, 1 | 4, BOOT_MS + 30000},
-                          {30, true, 1 | 2 | 4, BOOT_MS + 30000},
-                          {3000000, false, 5, BOOT_MS + 3000000000ULL}};
+    // The duration in seconds, whether it wakes the device, the type bits, the deadline asked for.
+    const std::tuple<int, bool, int, uint64_t> cases[] = {{30, false, 1 | 4, BOOT_MS + 30000},
+                                                          {30, true, 1 | 2 | 4, BOOT_MS + 30000},
+                                                          {3000000, false, 5, BOOT_MS + 3000000000ULL}};
     uint64_t id = 41;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.duration);
-        auto timer = std::make_shared<PushTimerInfo>(c.duration);
-        timer->SetWakeup(c.wakeup);
+    for (const auto& [duration, wakeup, type, deadline] : cases) {
+        SCOPED_TRACE(std::to_string(duration) + (wakeup ? " wakeup" : ""));
+        auto timer = std::make_shared<PushTimerInfo>(duration);
+        timer->SetWakeup(wakeup);
         EXPECT_CALL(*service_, CreateTimer(_)).WillOnce(Return(++id));
-        EXPECT_CALL(*service_, StartTimer(id, c.deadline)).WillOnce(Return(true));
+        EXPECT_CALL(*service_, StartTimer(id, deadline)).WillOnce(Return(true));
         EXPECT_TRUE(PushTimerHelper::StartTimer(timer).Succeed());
         EXPECT_EQ(timer->GetTimerId(), id);
-        EXPECT_EQ(timer->type, c.type);
+        EXPECT_EQ(timer->type, type);
     }
 }
 
