@@ -16,25 +16,23 @@ TEST(PushBaseRspTest, InfoShowsTheCodesThatAreSet)
     struct Case {
         const char* name;
         PushBaseRsp rsp;
-        int err, subStatus;
+        int err;
         const char* info;
     };
     const Case cases[] = {
-        {"default is a success with nothing set", PushBaseRsp(), 0, UNSET, ""},
-        {"no description", PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL), 1000900001, UNSET, ": error(1000900001)"},
-        {"string not formatted", PushBaseRsp(PUSH_ERR_INVALID_PARAM, std::string("%s")), 401, UNSET, "%s: error(401)"},
-        {"code -1 hidden", PushBaseRsp(PUSH_ERR_NONE, std::string("x")), -1, UNSET, "x"},
-        {"inner code alone", PushBaseRsp(INNER_ERR_CLIENT_INFO_REFUSED), -1, UNSET,
-         ": error(-1), innerCode(100000016)"},
-        {"with inner code", PushBaseRsp(std::string("x"), INNER_ERR_DATA_CONVERT_FAILED), -1, UNSET,
+        {"default is a success with nothing set", PushBaseRsp(), 0, ""},
+        {"no description", PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL), 1000900001, ": error(1000900001)"},
+        {"string not formatted", PushBaseRsp(PUSH_ERR_INVALID_PARAM, std::string("%s")), 401, "%s: error(401)"},
+        {"code -1 hidden", PushBaseRsp(PUSH_ERR_NONE, std::string("x")), -1, "x"},
+        {"inner code alone", PushBaseRsp(INNER_ERR_CLIENT_INFO_REFUSED), -1, ": error(-1), innerCode(100000016)"},
+        {"with inner code", PushBaseRsp(std::string("x"), INNER_ERR_DATA_CONVERT_FAILED), -1,
          "x: error(-1), innerCode(100002014)"},
-        {"inner code on a success", PushBaseRsp(PUSH_SUCCESS, 7, std::string("ok")), 0, UNSET,
-         "ok: error(0), innerCode(7)"},
+        {"inner code on a success", PushBaseRsp(PUSH_SUCCESS, 7, std::string("ok")), 0, "ok: error(0), innerCode(7)"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(c.rsp.GetErrAsInt32(), c.err) << c.name;
         EXPECT_EQ(c.rsp.GetInfo(), c.info) << c.name;
-        EXPECT_EQ(c.rsp.GetSubStatusCode(), c.subStatus) << c.name;
+        EXPECT_EQ(c.rsp.GetSubStatusCode(), UNSET) << c.name;
     }
 }
 

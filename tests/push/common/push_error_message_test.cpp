@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "kavo/push/common/push_error_message.h"
@@ -65,13 +66,8 @@ TEST(PushErrorMessageTest, EveryPublicCodeAndNoOtherRebuildsItsMessage)
 // leaving the target's codes alone and returning the target as it then is.
 TEST(PushErrorMessageTest, FoldingAppendsTheInfoOfAnythingButAnEmptySuccess)
 {
-    struct Case {
-        const char* name;
-        PushBaseRsp source;
-        const char* before;
-        const char* after;
-    };
-    const Case cases[] = {
+    // The name, the result folded in, the text before and after.
+    const std::tuple<const char*, PushBaseRsp, const char*, const char*> cases[] = {
         {"empty success changes nothing", PushBaseRsp(), "a", "a"},
         {"success with only an inner code counts as empty", PushBaseRsp(PUSH_SUCCESS, 5, std::string()), "a", "a"},
         {"failure appended after the separator", PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL, 100000143, std::string("s")),
@@ -80,17 +76,17 @@ TEST(PushErrorMessageTest, FoldingAppendsTheInfoOfAnythingButAnEmptySuccess)
          "s: error(202)"},
         {"success with a description is appended", PushBaseRsp(PUSH_SUCCESS, std::string("done")), "a", "a, done"},
     };
-    for (const auto& c : cases) {
-        std::string desc = c.before;
-        PushErrorMessage::RebuildErrDesc(c.source, desc);
-        EXPECT_EQ(desc, c.after) << c.name;
-        PushBaseRsp target(4, PUSH_ERR_INVALID_PARAM, "%s", c.before);
+    for (const auto& [name, source, before, after] : cases) {
+        std::string desc = before;
+        PushErrorMessage::RebuildErrDesc(source, desc);
+        EXPECT_EQ(desc, after) << name;
+        PushBaseRsp target(4, PUSH_ERR_INVALID_PARAM, "%s", before);
         target.SetInnerErr(77);
-        PushBaseRsp result = PushErrorMessage::RebuildPushRsp(target, c.source);
-        const std::string info = std::string(c.after) + ": error(401), innerCode(77)";
-        EXPECT_EQ(target.GetInfo(), info) << c.name;
-        EXPECT_EQ(result.GetInfo(), info) << c.name;
-        EXPECT_EQ(result.GetSubStatusCode(), 4) << c.name;
+        PushBaseRsp result = PushErrorMessage::RebuildPushRsp(target, source);
+        const std::string info = std::string(after) + ": error(401), innerCode(77)";
+        EXPECT_EQ(target.GetInfo(), info) << name;
+        EXPECT_EQ(result.GetInfo(), info) << name;
+        EXPECT_EQ(result.GetSubStatusCode(), 4) << name;
     }
 }
 
