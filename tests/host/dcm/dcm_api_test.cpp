@@ -41,8 +41,6 @@ TEST(DcmAttestTest, AnswersFollowTheSlotsAndTheControls)
         {"fewer slots than certificates", {8192, 8192}, 1, 0, -1, -1, "0 2 CC"},
         {"a slot too small: nothing written", {8192, 64, 8192}, 1, 0, -1, -1, "-2 3 ZZZ"},
         {"an unknown attestation type", {8192, 8192, 8192}, 2, 0, -1, -1, "-1 3 ZZZ"},
-        {"a chosen status comes first", {8192, 8192, 8192, 8192}, 1, -5, -1, -1, "-5 4 ZZZZ"},
-        {"a chosen count of 0", {8192, 8192, 8192, 8192}, 1, 0, 0, -1, "0 0 CCCZ"},
         {"a chosen count stays within the slots", {8192, 8192, 8192}, 1, 0, 9, -1, "0 3 CCC"},
         {"a chosen empty slot", {8192, 8192, 8192, 8192}, 1, 0, -1, 1, "0 3 CECZ"},
     };

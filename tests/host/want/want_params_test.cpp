@@ -37,7 +37,6 @@ TEST(WantParams, NestingIsLimitedToThirtyTwoLevelsAndMalformedInputIsRefusedEarl
     };
     auto empty = [](Parcel& p) { p.WriteInt32(0); };
     const Case cases[] = {
-        {"one level", 1, empty, false, true},
         {"32 levels", 32, empty, false, true},
         {"32 levels behind a presence word", 32, empty, true, true},
         {"33 levels", 33, empty, false, false},

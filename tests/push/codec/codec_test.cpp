@@ -117,7 +117,6 @@ TEST(Base64Test, FailuresAreLoggedAndReported)
     };
     const Case cases[] = {
         {"encoding a null pointer", encode(nullptr, 3), "Base64Encode error: invalid input param"},
-        {"encoding zero bytes", encode("a", 0), "Base64Encode error: invalid input param"},
         {"decoding empty text", decode(""), "Base64Decode error: invalid input param"},
         {"a character outside the alphabet", decode("Y!Jj"), "Base64Decode error: bio read fail"},
     };
@@ -161,6 +160,7 @@ TEST(Curve25519Test, GeneratedKeyMaterialAgreesWithItsDer)
     const auto* words = reinterpret_cast<const uint32_t*>(material.data());
     EXPECT_EQ(std::vector<uint32_t>(words, words + 5), (std::vector<uint32_t>{102, 256, 32, 32, 0}));
     ASSERT_EQ(der.size(), 44u);
+    EXPECT_EQ(der.substr(0, 12), std::string("\x30\x2a\x30\x05\x06\x03\x2b\x65\x70\x03\x21\x00", 12));
     EXPECT_EQ(der.substr(12), material.substr(20, 32)) << "the DER ends with the raw public key";
     PkeyPtr priv(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr,
                                               reinterpret_cast<const unsigned char*>(material.data()) + 52, 32),

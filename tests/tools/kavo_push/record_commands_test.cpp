@@ -46,7 +46,6 @@ TEST(RecordCommandsTest, EveryTypeSurvivesEncodeThenDecode)
     const Case cases[] = {
         {"MsgTimePoints", POINTS},
         {"RemoteWantAgent", R"({"abilityName":"","parameters":""})"},
-        {"RemoteNotificationContent", CONTENT},
         {"RemoteNotificationContent", "{}"},
         {"RemoteNotificationContent",
          R"({"overlayIcon":{"width":1,"height":1,"format":"RGBA_8888","pixels":"01020304"},"setBadgeNumber":-1})",
