@@ -1,5 +1,3 @@
-// The system event writer: nested recorders each see every event, bad events are refused, text is
-// escaped in JSON, and the JSON-lines file holds one whole object per line with many writers.
 #include "kavo/host/sysevent/sys_event.h"
 
 #include <gtest/gtest.h>

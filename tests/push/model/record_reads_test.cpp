@@ -1,5 +1,3 @@
-// Records as other writers hand them over: every combination of optional parts, lenient reads,
-// ignored flag bits, nested failures and failed allocations; and the JSON form of an entity.
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -45,10 +43,8 @@ Reader Any()
     return [](Parcel& parcel) { return T::Unmarshalling(parcel) == nullptr ? -1 : 0; };
 }
 
-class RecordReadTest : public ::testing::Test {};
-
 // Round trips of every combination are the fuzzers' work; here each part's own flag bit.
-TEST_F(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
+TEST(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
 {
     for (unsigned mask = 0; mask < 0x80; ++mask) {
         RemoteNotificationContent content = ContentOf(mask);
@@ -60,7 +56,7 @@ TEST_F(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
     }
 }
 
-TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
+TEST(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
 {
     struct Case {
         const char* name;
@@ -139,9 +135,7 @@ TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
     }
 }
 
-// A writer refuses what its reader refuses: the record holding an empty image or parameters
-// nested past the reader's limit fails with its own write text.
-TEST_F(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
+TEST(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
 {
     auto deep = std::make_shared<AAFwk::WantParams>();
     for (int level = 1; level <= AAFwk::WantParams::MAX_DEPTH; ++level) {
@@ -164,8 +158,7 @@ TEST_F(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
     }
 }
 
-// Copies of a content share its parts; SetContent replaces every part, the content size too.
-TEST_F(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
+TEST(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
 {
     const auto shares = [](const RemoteNotificationContent& a, const RemoteNotificationContent& b) {
         return a.GetTitle() == b.GetTitle() && a.GetText() == b.GetText() && a.GetOverlayIcon() == b.GetOverlayIcon() &&
@@ -192,9 +185,7 @@ Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> me
     return object;
 }
 
-class EntityJsonTest : public ::testing::Test {};
-
-TEST_F(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
+TEST(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
 {
     struct Case {
         const char* name;

@@ -28,8 +28,7 @@ void ExpectResult(const PushBaseRsp& rsp, const Kavo::LogCapture& log, int err, 
     EXPECT_EQ(log.Lines().empty() ? Kavo::LEVEL_ERROR : log.Lines().back().level, Kavo::LEVEL_ERROR);
 }
 
-// Survival time, then the overlay-icon limit, then the content limit: the first failure is
-// returned, its text also the first line logged.
+// Survival time, then the overlay-icon limit, then the content limit.
 TEST(RequestRules, BoundsAreInclusiveAndTheFirstFailureWins)
 {
     struct Case {

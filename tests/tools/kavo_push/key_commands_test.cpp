@@ -1,10 +1,10 @@
-// keygen and certchain as a user runs them: what they print must satisfy OpenSSL.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <string>
 #include <vector>
 
+#include "kavo/push/codec/hex_coder_convert.h"
 #include "tests/host/dcm/dcm_test_util.h"
 #include "tests/tools/kavo_push/tool_runner.h"
 
@@ -18,15 +18,9 @@ using KavoTest::ToolRun;
 // The hex after "NAME: " on its line, as bytes.
 std::string HexField(const std::string& out, const std::string& name)
 {
-    std::string bytes;
-    size_t at = out.find(name + ": ");
-    if (at == std::string::npos) {
-        return bytes;
-    }
-    for (at += name.size() + 2; at + 1 < out.size() && out[at] != '\n'; at += 2) {
-        bytes += static_cast<char>(std::stoi(out.substr(at, 2), nullptr, 16));
-    }
-    return bytes;
+    const size_t at = out.find(name + ": ") + name.size() + 2;
+    const auto bytes = Kavo::Push::HexCoderConvert::HexStream2Byte(out.substr(at, out.find('\n', at) - at));
+    return std::string(bytes.data(), bytes.size());
 }
 
 TEST(KeyCommandsTest, KeygenPrintsOrWritesOneFreshKeyPair)

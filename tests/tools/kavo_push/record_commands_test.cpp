@@ -1,5 +1,3 @@
-// types, decode, encode and validate as a user runs them: every record type survives JSON ->
-// parcel -> JSON in the library's own layout, and validate reports the library's codes.
 #include <gtest/gtest.h>
 #include <json/json.h>
 

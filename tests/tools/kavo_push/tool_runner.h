@@ -1,5 +1,3 @@
-// Runs the built kavo-push (or another program, such as openssl) as a child process: standard
-// input from a string, standard output and error captured whole, the exit status returned.
 // Every call uses its own scratch directory, so suites may run calls from several threads.
 #ifndef KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
 #define KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
@@ -75,7 +73,6 @@ inline ToolRun RunProgram(const std::vector<std::string>& argv, const std::strin
     posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, scratch.File("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     std::vector<char*> args;
-    args.reserve(argv.size() + 1);
     for (const auto& arg : argv) {
         args.push_back(const_cast<char*>(arg.c_str()));
     }
