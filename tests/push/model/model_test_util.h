@@ -97,11 +97,6 @@ inline Bytes ParamsWire()
     return Wire().I32(1).I32(1).Str("k").I32(3).I32(7);
 }
 
-inline std::shared_ptr<bool> Flag(bool value)
-{
-    return std::make_shared<bool>(value);
-}
-
 inline Kavo::Push::EntitySetting Entity(const std::shared_ptr<bool>& enable,
                                         const std::shared_ptr<Kavo::AAFwk::WantParams>& extraInfo, int32_t type = 3)
 {

@@ -91,8 +91,8 @@ TEST(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
          ReaderOf(Entity(nullptr, nullptr, 0)), Wire().U64(~3ull).Str("e1").Str("n"), 0, 1, Texts{}},
         {"a subscription ignores flag bits above the first", ReaderOf(Subscription(nullptr)),
          Wire().U64(~1ull).Str("com.a"), 0, 1, Texts{}},
-        {"a subscription ending after flags 1 and the name reads a false switch", ReaderOf(Subscription(Flag(false))),
-         Wire().U64(1).Str("com.a"), 0, 1, Texts{}},
+        {"a subscription ending after flags 1 and the name reads a false switch",
+         ReaderOf(Subscription(std::make_shared<bool>(false))), Wire().U64(1).Str("com.a"), 0, 1, Texts{}},
         {"time points are dropped silently when not allocated", Any<MsgTimePoints>(), Wire().I64(1), 1, -1, {}},
         {"a content is dropped silently when not allocated", content, Wire().U64(0), 1, -1, {}},
         {"a nested want agent not allocated", content, withAgent, 2, -1, {"Read RemoteWantAgent Error", CONTENT_ERR}},
@@ -194,14 +194,14 @@ TEST(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
         Json::Value expected;
     };
     const Case cases[] = {
-        {"other members stay, own keys are replaced, a false switch is rendered", Entity(Flag(false), nullptr),
-         Object({{"other", 1}, {"entityId", "old"}}),
+        {"other members stay, own keys are replaced, a false switch is rendered",
+         Entity(std::make_shared<bool>(false), nullptr), Object({{"other", 1}, {"entityId", "old"}}),
          Object({{"other", 1}, {"entityId", "e1"}, {"entityName", "n"}, {"enable", false}, {"entityType", 3}})},
         {"without a switch id, name and type are set; parameters are not; the type may be negative",
          Entity(nullptr, Params(), -2), Json::Value(),
          Object({{"entityId", "e1"}, {"entityName", "n"}, {"entityType", -2}})},
-        {"a value that is not an object is left untouched", Entity(Flag(true), nullptr), Json::Value("text"),
-         Json::Value("text")},
+        {"a value that is not an object is left untouched", Entity(std::make_shared<bool>(true), nullptr),
+         Json::Value("text"), Json::Value("text")},
     };
     for (const auto& c : cases) {
         Json::Value json = c.before;

@@ -53,7 +53,6 @@ using namespace Kavo::Push;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-// Polls until `done` holds or the time is up; gives the last answer.
 template <typename Done>
 bool WaitUntil(Done done, std::chrono::seconds timeout = 30s)
 {

@@ -18,7 +18,6 @@ extern char** environ;
 
 namespace KavoTest {
 
-// A fresh directory, removed with everything in it when the object goes.
 class TempDir {
 public:
     TempDir()
@@ -36,7 +35,6 @@ public:
 
     const std::string& Path() const { return path_; }
     std::string File(const std::string& name) const { return path_ + "/" + name; }
-    // Writes `data` to the named file and returns its path.
     std::string Write(const std::string& name, const std::string& data) const
     {
         std::ofstream(File(name), std::ios::binary) << data;
