@@ -1,5 +1,3 @@
-// The simulated device as its services answer through the platform clients: uids and clones,
-// accounts, and the control surface (chosen codes, absent and late services, registration).
 #include "kavo/host/device/device.h"
 
 #include <gtest/gtest.h>

@@ -15,30 +15,12 @@ const auto DataOf = [](const Parcel& p, size_t cut = 0) {
     return Bytes(p.GetData(), p.GetData() + p.GetDataSize() - cut);
 };
 
-TEST(Parcel, ItemsAreLittleEndianAndPaddedToFourBytes)
+// Every other item's bytes are pinned by the record layouts, which are built from the wire format.
+TEST(Parcel, AnEmptyStringIsItsLengthAndAZeroWordAndANullParcelableOneZeroWord)
 {
-    struct Case {
-        const char* name;
-        void (*write)(Parcel&);
-        Bytes bytes;
-    };
-    const Case cases[] = {
-        {"bool true", [](Parcel& p) { p.WriteBool(true); }, {1, 0, 0, 0}},
-        {"int32", [](Parcel& p) { p.WriteInt32(-2); }, {0xFE, 0xFF, 0xFF, 0xFF}},
-        {"uint64", [](Parcel& p) { p.WriteUint64(0x0102030405060708ULL); }, {8, 7, 6, 5, 4, 3, 2, 1}},
-        {"empty string", [](Parcel& p) { p.WriteString(""); }, {0, 0, 0, 0, 0, 0, 0, 0}},
-        {"three bytes and the zero", [](Parcel& p) { p.WriteString("abc"); }, {3, 0, 0, 0, 'a', 'b', 'c', 0}},
-        {"four bytes and the zero",
-         [](Parcel& p) { p.WriteString("abcd"); },
-         {4, 0, 0, 0, 'a', 'b', 'c', 'd', 0, 0, 0, 0}},
-        {"buffer", [](Parcel& p) { p.WriteBuffer("xy", 2); }, {'x', 'y', 0, 0}},
-        {"null parcelable", [](Parcel& p) { p.WriteParcelable(nullptr); }, {0, 0, 0, 0}},
-    };
-    for (const auto& c : cases) {
-        Parcel parcel;
-        c.write(parcel);
-        EXPECT_EQ(DataOf(parcel), c.bytes) << c.name;
-    }
+    Parcel parcel;
+    ASSERT_TRUE(parcel.WriteString("") && parcel.WriteParcelable(nullptr));
+    EXPECT_EQ(DataOf(parcel), Bytes(12, 0));
 }
 
 // Checked reads fail without moving or touching their output; no length is trusted past the data.

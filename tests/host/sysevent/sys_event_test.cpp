@@ -1,5 +1,3 @@
-// The system event writer: nested recorders each see every event, bad events are refused, text is
-// escaped in JSON, and the JSON-lines file holds one whole object per line with many writers.
 #include "kavo/host/sysevent/sys_event.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +7,7 @@
 #include <fstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/test_support.h"
@@ -25,17 +24,11 @@ TEST(SysEventTest, NestedRecordersBadEventsAndTheJsonForm)
         EXPECT_EQ(SysEventWrite("PUSH_MANAGER", "INVOKE", SysEventType::BEHAVIOR, {{"COST", uint64_t{1} << 40}}), 0);
         EXPECT_EQ(inner.Events().size(), 1u);
     }
-    struct Case {
-        std::string domain, event;
-        int type;
-        std::vector<SysEventParam> params;
-    };
-    for (const Case& c : {Case{"", "E", 1, {}},
-                          {"D", "", 1, {}},
-                          {"D", "E", 0, {}},
-                          {"D", "E", 5, {}},
-                          {"D", "E", 1, {{"", int32_t{1}}}}}) {  // no domain, no name, types 0 and 5, an empty key
-        EXPECT_EQ(SysEventWrite(c.domain, c.event, static_cast<SysEventType>(c.type), c.params), -1);
+    // No domain, no name, types 0 and 5, an empty key.
+    const std::tuple<const char*, const char*, int, std::vector<SysEventParam>> bad[] = {
+        {"", "E", 1, {}}, {"D", "", 1, {}}, {"D", "E", 0, {}}, {"D", "E", 5, {}}, {"D", "E", 1, {{"", int32_t{1}}}}};
+    for (const auto& [domain, event, type, params] : bad) {
+        EXPECT_EQ(SysEventWrite(domain, event, static_cast<SysEventType>(type), params), -1) << domain << "/" << event;
     }
     SysEventWrite("PUSH_MANAGER", "START_EXTENSION", SysEventType::FAULT, {});
     auto events = outer.Events();

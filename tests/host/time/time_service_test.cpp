@@ -1,5 +1,3 @@
-// The host time service: timers fire on its thread once the boot clock passes their deadline,
-// stopped and destroyed timers stay silent, and the client answers without a service.
 #include "kavo/host/time/time_service.h"
 
 #include "kavo/host/device/device.h"

@@ -57,9 +57,8 @@ TEST(ByteDecoderTest, FailuresReportTheSizeAndTheOffset)
                                          : ByteDecoder::DecodeAsByte(run, c.data, c.width, c.offset);
         EXPECT_EQ(rsp.GetErr(), PUSH_ERR_SYSTEM_INTERNAL) << c.behaviour;
         EXPECT_EQ(rsp.GetErrDescription(), c.error) << c.behaviour;
-        ASSERT_EQ(log.Lines().size(), 1u) << c.behaviour;
-        EXPECT_EQ(log.Lines()[0].text, c.error) << c.behaviour;
-        EXPECT_EQ(log.Lines()[0].level, Kavo::LEVEL_ERROR) << c.behaviour;
+        EXPECT_EQ(log.Texts(), Texts{c.error}) << c.behaviour;
+        EXPECT_EQ(log.Lines().at(0).level, Kavo::LEVEL_ERROR) << c.behaviour;
     }
     const uint64_t net = SymbolConvert::Host2NetUint64(0x0102030405060708ULL);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(&net), 8), "\x01\x02\x03\x04\x05\x06\x07\x08");
@@ -117,7 +116,6 @@ TEST(Base64Test, FailuresAreLoggedAndReported)
     };
     const Case cases[] = {
         {"encoding a null pointer", encode(nullptr, 3), "Base64Encode error: invalid input param"},
-        {"encoding zero bytes", encode("a", 0), "Base64Encode error: invalid input param"},
         {"decoding empty text", decode(""), "Base64Decode error: invalid input param"},
         {"a character outside the alphabet", decode("Y!Jj"), "Base64Decode error: bio read fail"},
     };
@@ -126,9 +124,8 @@ TEST(Base64Test, FailuresAreLoggedAndReported)
         Kavo::LogCapture log;
         KavoTest::ReportRecorder reports;
         EXPECT_EQ(c.convert(), "");
-        ASSERT_EQ(log.Lines().size(), 1u);
-        EXPECT_EQ(log.Lines()[0].text, c.error);
-        EXPECT_EQ(log.Lines()[0].level, Kavo::LEVEL_ERROR);
+        EXPECT_EQ(log.Texts(), Texts{c.error});
+        EXPECT_EQ(log.Lines().at(0).level, Kavo::LEVEL_ERROR);
         EXPECT_EQ(reports.Reports(), (Reports{{100002014, c.error}}));
     }
 }
@@ -161,6 +158,7 @@ TEST(Curve25519Test, GeneratedKeyMaterialAgreesWithItsDer)
     const auto* words = reinterpret_cast<const uint32_t*>(material.data());
     EXPECT_EQ(std::vector<uint32_t>(words, words + 5), (std::vector<uint32_t>{102, 256, 32, 32, 0}));
     ASSERT_EQ(der.size(), 44u);
+    EXPECT_EQ(der.substr(0, 12), std::string("\x30\x2a\x30\x05\x06\x03\x2b\x65\x70\x03\x21\x00", 12));
     EXPECT_EQ(der.substr(12), material.substr(20, 32)) << "the DER ends with the raw public key";
     PkeyPtr priv(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr,
                                               reinterpret_cast<const unsigned char*>(material.data()) + 52, 32),
@@ -171,7 +169,6 @@ TEST(Curve25519Test, GeneratedKeyMaterialAgreesWithItsDer)
     EXPECT_EQ(std::string(reinterpret_cast<char*>(derived), 32), material.substr(20, 32)) << "one key pair";
 }
 
-// Each export stops at its first failure and leaves its output untouched.
 TEST(Curve25519Test, UnusableKeysAreRefused)
 {
     const unsigned char raw[32] = {1, 2, 3};

@@ -1,5 +1,3 @@
-// Records as other writers hand them over: every combination of optional parts, lenient reads,
-// ignored flag bits, nested failures and failed allocations; and the JSON form of an entity.
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -45,10 +43,8 @@ Reader Any()
     return [](Parcel& parcel) { return T::Unmarshalling(parcel) == nullptr ? -1 : 0; };
 }
 
-class RecordReadTest : public ::testing::Test {};
-
 // Round trips of every combination are the fuzzers' work; here each part's own flag bit.
-TEST_F(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
+TEST(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
 {
     for (unsigned mask = 0; mask < 0x80; ++mask) {
         RemoteNotificationContent content = ContentOf(mask);
@@ -60,7 +56,7 @@ TEST_F(RecordReadTest, EachOptionalPartSetsItsOwnFlagBit)
     }
 }
 
-TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
+TEST(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
 {
     struct Case {
         const char* name;
@@ -95,23 +91,15 @@ TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
          ReaderOf(Entity(nullptr, nullptr, 0)), Wire().U64(~3ull).Str("e1").Str("n"), 0, 1, Texts{}},
         {"a subscription ignores flag bits above the first", ReaderOf(Subscription(nullptr)),
          Wire().U64(~1ull).Str("com.a"), 0, 1, Texts{}},
-        {"a subscription ending after flags 1 and the name reads a false switch", ReaderOf(Subscription(Flag(false))),
-         Wire().U64(1).Str("com.a"), 0, 1, Texts{}},
+        {"a subscription ending after flags 1 and the name reads a false switch",
+         ReaderOf(Subscription(std::make_shared<bool>(false))), Wire().U64(1).Str("com.a"), 0, 1, Texts{}},
         {"time points are dropped silently when not allocated", Any<MsgTimePoints>(), Wire().I64(1), 1, -1, {}},
         {"a content is dropped silently when not allocated", content, Wire().U64(0), 1, -1, {}},
         {"a nested want agent not allocated", content, withAgent, 2, -1, {"Read RemoteWantAgent Error", CONTENT_ERR}},
-        {"a want agent whose holder cannot be allocated",
-         content,
-         withAgent,
-         3,
-         -1,
-         {"New RemoteWantAgent Error", CONTENT_ERR}},
-        {"time points whose holder cannot be allocated",
-         content,
-         withPoints,
-         3,
-         -1,
-         {"New MsgTimePoints error", CONTENT_ERR}},
+        {"a want agent whose holder cannot be allocated", content, withAgent, 3, -1,
+         Texts{"New RemoteWantAgent Error", CONTENT_ERR}},
+        {"time points whose holder cannot be allocated", content, withPoints, 3, -1,
+         Texts{"New MsgTimePoints error", CONTENT_ERR}},
         {"an info not allocated", Any<RemoteNotificationInfo>(), info, 1, -1, {"New RemoteNotificationInfo error"}},
         {"a request not allocated reads nothing", request, requestWire, 1, -1, {"New remoteNotificationRequest error"}},
         {"a request's info not allocated logs both spellings", request, requestWire, 2, -1, infoLost},
@@ -147,9 +135,7 @@ TEST_F(RecordReadTest, ParcelsReadAsTheirBytesAndAllocationsAllow)
     }
 }
 
-// A writer refuses what its reader refuses: the record holding an empty image or parameters
-// nested past the reader's limit fails with its own write text.
-TEST_F(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
+TEST(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
 {
     auto deep = std::make_shared<AAFwk::WantParams>();
     for (int level = 1; level <= AAFwk::WantParams::MAX_DEPTH; ++level) {
@@ -172,8 +158,7 @@ TEST_F(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
     }
 }
 
-// Copies of a content share its parts; SetContent replaces every part, the content size too.
-TEST_F(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
+TEST(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
 {
     const auto shares = [](const RemoteNotificationContent& a, const RemoteNotificationContent& b) {
         return a.GetTitle() == b.GetTitle() && a.GetText() == b.GetText() && a.GetOverlayIcon() == b.GetOverlayIcon() &&
@@ -200,9 +185,7 @@ Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> me
     return object;
 }
 
-class EntityJsonTest : public ::testing::Test {};
-
-TEST_F(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
+TEST(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
 {
     struct Case {
         const char* name;
@@ -211,14 +194,14 @@ TEST_F(EntityJsonTest, JsonFormSetsItsKeysAndKeepsTheRest)
         Json::Value expected;
     };
     const Case cases[] = {
-        {"other members stay, own keys are replaced, a false switch is rendered", Entity(Flag(false), nullptr),
-         Object({{"other", 1}, {"entityId", "old"}}),
+        {"other members stay, own keys are replaced, a false switch is rendered",
+         Entity(std::make_shared<bool>(false), nullptr), Object({{"other", 1}, {"entityId", "old"}}),
          Object({{"other", 1}, {"entityId", "e1"}, {"entityName", "n"}, {"enable", false}, {"entityType", 3}})},
         {"without a switch id, name and type are set; parameters are not; the type may be negative",
          Entity(nullptr, Params(), -2), Json::Value(),
          Object({{"entityId", "e1"}, {"entityName", "n"}, {"entityType", -2}})},
-        {"a value that is not an object is left untouched", Entity(Flag(true), nullptr), Json::Value("text"),
-         Json::Value("text")},
+        {"a value that is not an object is left untouched", Entity(std::make_shared<bool>(true), nullptr),
+         Json::Value("text"), Json::Value("text")},
     };
     for (const auto& c : cases) {
         Json::Value json = c.before;

@@ -1,8 +1,7 @@
-// What every command answers as a user runs it: its exit status, its output and its diagnostics;
-// help, large inputs, and output that cannot be written.
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -15,16 +14,6 @@ namespace {
 using KavoTest::RunProgram;
 using KavoTest::RunTool;
 using KavoTest::ToolRun;
-
-std::vector<std::string> Words(const std::string& line)
-{
-    std::istringstream in(line);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;) {
-        words.push_back(word);
-    }
-    return words;
-}
 
 TEST(CliConventionsTest, EveryCommandIsListedAndHasHelpOnStandardOutput)
 {
@@ -133,7 +122,8 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.behaviour);
-        const std::vector<std::string> args = Words(c.args);
+        std::istringstream words(c.args);
+        const std::vector<std::string> args{std::istream_iterator<std::string>(words), {}};
         ToolRun run = RunTool(args, c.input);
         EXPECT_EQ(run.status, c.status);
         EXPECT_TRUE(run.out == c.out) << run.out;
@@ -145,7 +135,7 @@ TEST(CliConventionsTest, EveryCommandAnswersWithItsStatusOutputAndDiagnostics)
         }
     }
     KavoTest::ScopedEnv fatalOnly("KAVO_LOG_LEVEL", "fatal");
-    EXPECT_EQ(RunTool(Words("decode RemoteNotificationContent --hex"), "04000000 00000000").err, iconMissing)
+    EXPECT_EQ(RunTool({"decode", "RemoteNotificationContent", "--hex"}, "04000000 00000000").err, iconMissing)
         << "the library's lines always show";
 }
 

@@ -1,5 +1,3 @@
-// types, decode, encode and validate as a user runs them: every record type survives JSON ->
-// parcel -> JSON in the library's own layout, and validate reports the library's codes.
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -46,7 +44,6 @@ TEST(RecordCommandsTest, EveryTypeSurvivesEncodeThenDecode)
     const Case cases[] = {
         {"MsgTimePoints", POINTS},
         {"RemoteWantAgent", R"({"abilityName":"","parameters":""})"},
-        {"RemoteNotificationContent", CONTENT},
         {"RemoteNotificationContent", "{}"},
         {"RemoteNotificationContent",
          R"({"overlayIcon":{"width":1,"height":1,"format":"RGBA_8888","pixels":"01020304"},"setBadgeNumber":-1})",

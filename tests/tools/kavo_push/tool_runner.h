@@ -1,5 +1,3 @@
-// Runs the built kavo-push (or another program, such as openssl) as a child process: standard
-// input from a string, standard output and error captured whole, the exit status returned.
 // Every call uses its own scratch directory, so suites may run calls from several threads.
 #ifndef KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
 #define KAVO_TESTS_TOOLS_KAVO_PUSH_TOOL_RUNNER_H
@@ -20,7 +18,6 @@ extern char** environ;
 
 namespace KavoTest {
 
-// A fresh directory, removed with everything in it when the object goes.
 class TempDir {
 public:
     TempDir()
@@ -38,7 +35,6 @@ public:
 
     const std::string& Path() const { return path_; }
     std::string File(const std::string& name) const { return path_ + "/" + name; }
-    // Writes `data` to the named file and returns its path.
     std::string Write(const std::string& name, const std::string& data) const
     {
         std::ofstream(File(name), std::ios::binary) << data;
