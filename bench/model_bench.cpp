@@ -178,7 +178,7 @@ void BM_ResultShapeFloor(benchmark::State& state)
         content.SetText(std::make_shared<std::string>(*source.GetText()));
         auto icon = std::make_shared<Media::PixelMap>(ICON_SIDE, ICON_SIDE, Media::PixelFormat::RGBA_8888);
         icon->SetPixels(std::vector<uint8_t>(pixels));
-        content.SetOverlayIcon(std::move(icon));
+        content.SetOverlayIcon(icon);
         content.SetBadgeNumber(std::make_shared<long>(*source.GetBadgeNumber()));
         result->SetContent(content);
         result->SetParameters(Parameters());
