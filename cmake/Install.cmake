@@ -1,7 +1,8 @@
 include(CMakePackageConfigHelpers)
 
-# Three install components, one Debian package each (cmake/Package.cmake):
-#   runtime  the shared objects, with their SONAMEs
+# Four install components, one Debian package each (cmake/Package.cmake):
+#   host     libkavo_host.so.0, the host platform
+#   push     libkavo_push.so.0, the push utilities (they link the host platform)
 #   dev      headers, the .so links, the CMake package and the pkg-config file
 #   tool     the kavo-push command (tools/kavo-push, through CMAKE_INSTALL_DEFAULT_COMPONENT_NAME)
 
@@ -9,11 +10,15 @@ include(CMakePackageConfigHelpers)
 install(DIRECTORY kavo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.h" PATTERN "internal" EXCLUDE)
 
-install(TARGETS kavo_host kavo_push EXPORT KavoPushTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# One shared object per run-time package, as Debian's library policy has it: each package is
+# named after its SONAME and can move to a new one on its own.
+foreach(library IN ITEMS host push)
+  install(TARGETS kavo_${library} EXPORT KavoPushTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${library} NAMELINK_COMPONENT dev
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${library}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endforeach()
 
 set(KAVO_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KavoPush)
 install(EXPORT KavoPushTargets NAMESPACE KavoPush:: DESTINATION ${KAVO_CMAKE_DIR} COMPONENT dev)

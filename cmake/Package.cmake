@@ -1,7 +1,9 @@
-# `cpack` in a build folder makes three Debian packages from the install components, as Debian
-# ships a library: the runtime library pulls in only what it needs at run time.
+# `cpack` in a build folder makes four Debian packages from the install components, as Debian
+# ships libraries: one run-time package per shared object, named after its SONAME, each pulling
+# in only what it needs at run time; the -dev package; the tool.
 set(KAVO_DEB_RELEASE 1)
-set(KAVO_DEB_RUNTIME libkavo-push${PROJECT_VERSION_MAJOR})
+set(KAVO_DEB_HOST libkavo-host${PROJECT_VERSION_MAJOR})
+set(KAVO_DEB_PUSH libkavo-push${PROJECT_VERSION_MAJOR})
 set(KAVO_DEB_DEV libkavo-push-dev)
 set(KAVO_DEB_TOOL kavo-push)
 
@@ -13,7 +15,7 @@ foreach(file IN ITEMS changelog kavo-push.1)
 endforeach()
 file(RENAME ${PROJECT_BINARY_DIR}/changelog.gz ${PROJECT_BINARY_DIR}/changelog.Debian.gz)
 install(FILES ${PROJECT_BINARY_DIR}/kavo-push.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
-foreach(component IN ITEMS runtime dev tool)
+foreach(component IN ITEMS host push dev tool)
   string(TOUPPER ${component} upper)
   install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/copyright ${PROJECT_BINARY_DIR}/changelog.Debian.gz
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${KAVO_DEB_${upper}} COMPONENT ${component})
@@ -26,35 +28,44 @@ set(CPACK_PACKAGE_CONTACT "kavo-push developers <kavo-push@example.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime dev tool)
-set(CPACK_COMPONENT_DEV_DEPENDS runtime)
-set(CPACK_COMPONENT_TOOL_DEPENDS runtime)
+set(CPACK_COMPONENTS_ALL host push dev tool)
+set(CPACK_COMPONENT_PUSH_DEPENDS host)
+set(CPACK_COMPONENT_DEV_DEPENDS push host)
+set(CPACK_COMPONENT_TOOL_DEPENDS push host)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${KAVO_DEB_RELEASE})
 set(CPACK_DEBIAN_PACKAGE_SOURCE kavo-push)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
-# Run-time dependencies come from the binaries themselves; the library's package gets a shlibs
+# Run-time dependencies come from the binaries themselves; each library's package gets a shlibs
 # file and the ldconfig trigger (CPack also writes postinst and postrm scripts that call
 # ldconfig: harmless, the trigger makes them redundant).
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The tool's own libraries are in the runtime package's staging folder beside the tool's; its
-# dependency on that package is the component dependency above.
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ../runtime/usr/${CMAKE_INSTALL_LIBDIR})
+# Our own libraries are in the library packages' staging folders beside each package's; the
+# dependencies on those packages are the component dependencies above.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ../host/usr/${CMAKE_INSTALL_LIBDIR} ../push/usr/${CMAKE_INSTALL_LIBDIR})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${KAVO_DEB_RUNTIME})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Kavo push-notification service utilities - shared libraries
+set(CPACK_DEBIAN_HOST_PACKAGE_NAME ${KAVO_DEB_HOST})
+set(CPACK_DEBIAN_HOST_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_HOST_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_DEBIAN_HOST_DESCRIPTION "Kavo host platform for Linux - shared library
+The platform that the Kavo push-notification service utilities run on,
+implemented for Linux (libkavo_host): parcels, reference counting, the
+platform log, the service registry and its services, a simulated device,
+system events, the device certificate manager and configuration lookup.
+This package holds the shared library that programs need at run time.")
+
+set(CPACK_DEBIAN_PUSH_PACKAGE_NAME ${KAVO_DEB_PUSH})
+set(CPACK_DEBIAN_PUSH_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PUSH_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_DEBIAN_PUSH_DESCRIPTION "Kavo push-notification service utilities - shared library
 The shared utility library of the Kavo platform's push-notification service
-(libkavo_push: results and public error codes, logging with identifier
+(libkavo_push): results and public error codes, logging with identifier
 masking, the parcelable message records, validation, hex, Base64, SHA-256,
-Ed25519 and certificate chain helpers, JSON values, a thread pool) and the
-host platform it runs on, implemented for Linux with a simulated device
-(libkavo_host).
-This package holds the shared libraries that programs need at run time.")
+Ed25519 and certificate chain helpers, JSON values, a thread pool.
+This package holds the shared library that programs need at run time.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME ${KAVO_DEB_DEV})
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
