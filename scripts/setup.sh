@@ -5,11 +5,12 @@
 # (multiarch) and the emulator that runs its tests.
 set -euo pipefail
 
-# The default set: build, tests, benchmarks (protobuf is a benchmark's baseline) and the
-# Debian packages (dpkg-shlibdeps, file, lintian).
+# The default set: build, tests, benchmarks (protobuf is a benchmark's baseline), the
+# Debian packages (dpkg-shlibdeps, file, lintian), the binary-interface check (abidw, abidiff)
+# and the guide's check (python3).
 packages=(g++ clang cmake ninja-build pkg-config make openssl libssl-dev libjsoncpp-dev
           libgtest-dev libgmock-dev libbenchmark-dev libprotobuf-dev protobuf-compiler
-          dpkg-dev file lintian)
+          dpkg-dev file lintian abigail-tools python3)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user libc6:arm64 libssl-dev:arm64 libjsoncpp-dev:arm64
                 libgtest-dev:arm64 libgmock-dev:arm64)
 

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Compares the binary interface of each shared object of the default build with its checked-in
+# baseline, abi/<SONAME>.abi (libabigail's abidw), as abidiff sees it:
+#   - an incompatible change (a function or variable removed, a type's layout changed) fails,
+#     unless the SONAME changed with it, which makes it a new interface with no baseline yet;
+#   - a compatible change (an addition) passes and is reported.
+# `check-abi.sh --update` rewrites the baselines from the build: run it when a change to the
+# interface is meant, and commit abi/ with the change. KAVO_ABI_BUILD names another build folder.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${KAVO_ABI_BUILD:-build/default}
+update=0
+case "${1:-}" in
+"") ;;
+--update) update=1 ;;
+*) echo "usage: check-abi.sh [--update]" >&2; exit 2 ;;
+esac
+
+# Only what the library exports (its symbols and the types they reach) is its interface.
+# Without locations, paths and sequence numbers, a rebuild of the same interface writes the
+# same text, so a refreshed baseline differs only where the interface does.
+dump() {
+    abidw --exported-interfaces-only --no-show-locs --no-corpus-path --no-comp-dir-path --type-id-style hash \
+        --out-file "$2" "$1"
+}
+soname() { readelf -d "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p'; }
+
+failed=0
+for library in kavo_host kavo_push; do
+    object=$(readlink -f "$build/lib$library.so")
+    [ -f "$object" ] || { echo "check-abi: no $build/lib$library.so: build the default preset first" >&2; exit 1; }
+    name=$(soname "$object")
+    baseline=abi/$name.abi
+    if [ $update = 1 ]; then
+        mkdir -p abi
+        rm -f abi/lib"$library".so.*.abi
+        dump "$object" "$baseline"
+        echo "check-abi: $baseline written"
+        continue
+    fi
+    if [ ! -f "$baseline" ]; then
+        # A new SONAME (or a first library): there is nothing it must stay compatible with.
+        echo "check-abi: $name has no baseline (a new SONAME?); write one with check-abi.sh --update" >&2
+        ls abi/lib"$library".so.*.abi >/dev/null 2>&1 || failed=1
+        continue
+    fi
+    status=0
+    report=$(abidiff --exported-interfaces-only --no-show-locs "$baseline" "$object") || status=$?
+    if (( status & 3 )); then  # abidiff itself failed, or was called wrongly
+        echo "check-abi: abidiff could not compare $name ($status)" >&2
+        echo "$report" >&2
+        failed=1
+    elif (( status & 8 )); then
+        echo "check-abi: $name: incompatible change, and the SONAME is still $name:" >&2
+        echo "$report" >&2
+        failed=1
+    elif (( status & 4 )); then
+        echo "check-abi: $name: compatible change (refresh the baseline with check-abi.sh --update):"
+        echo "$report"
+    else
+        echo "check-abi: $name: same interface as $baseline"
+    fi
+done
+exit $failed
