@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "kavo/push/platform/push_bundle_helper.h"
-#include "kavo/push/platform/push_distribute_account_helper.h"
 #include "tests/push/platform/platform_mocks.h"
 
 namespace KavoTest {
@@ -16,7 +15,6 @@ namespace {
 
 using Kavo::Push::PushAccountHelper;
 using Kavo::Push::PushBaseRsp;
-using Kavo::Push::PushDistributeAccountHelper;
 using Status = Kavo::Push::SystemAbilityStatusService;
 using Code = std::function<int32_t()>;
 using Texts = std::vector<std::string>;
@@ -153,17 +151,10 @@ TEST_F(AccountQueryTest, SingleShotQueriesReportTheirCodeWithoutWaiting)
     ScopedAccountService service{ACCOUNT};
     readiness_.Track(ACCOUNT, Status::STOPPED);
     EXPECT_CALL(*service, GetOsAccountLocalIdFromUid(5, _)).WillOnce(Return(NOT_REACHED));
-    EXPECT_CALL(*service, GetKavoAccountInfo(_)).WillOnce(Return(NOT_REACHED));
     int localId = 0;
     EXPECT_EQ(PushAccountHelper::GetOsAccountLocalIdFromUid(5, localId).GetErrDescription(),
               "Get accountId local id from uid failed 4194321");
-    std::string id = "kept";
-    PushBaseRsp distributed = PushDistributeAccountHelper::GetOsDistributedId(id);
-    EXPECT_EQ(distributed.GetErr(), 1000900001);
-    EXPECT_EQ(distributed.GetErrDescription(), "Get os account distributed id failed:4194321");
-    EXPECT_TRUE(HasLine(cap_, "Get os account distributed info failed:4194321"));
-    EXPECT_EQ(events_.Take(),
-              (Events{{35, "GetOsAccountLocalIdFromUid", 1, "4194321"}, {35, "GetKavoAccountInfo", 1, "4194321"}}));
+    EXPECT_EQ(events_.Take(), (Events{{35, "GetOsAccountLocalIdFromUid", 1, "4194321"}}));
 }
 
 }  // namespace
