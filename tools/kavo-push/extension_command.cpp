@@ -11,13 +11,13 @@
 
 #include "cli_io.h"
 #include "command.h"
-#include "demo_device.h"
 #include "kavo/host/ipc/ipc_server.h"
 #include "kavo/host/ipc/ipc_skeleton.h"
 #include "kavo/host/media/pixel_map.h"
 #include "kavo/host/want/want_params.h"
 #include "kavo/push/model/remote_notification_request.h"
 #include "kavo/push/model/remote_notification_result.h"
+#include "request/extension_process.h"
 
 namespace KavoTool {
 
@@ -39,7 +39,8 @@ std::shared_ptr<Kavo::Media::PixelMap> Icon(int32_t side)
 
 // What the application's extension renders for a push message; the parameters tell the service
 // who answered: this process and the caller the kernel reported for the socket.
-RemoteNotificationResult BuildResult(const RemoteNotificationRequest& request, ExtensionBehaviour behaviour)
+RemoteNotificationResult BuildResult(const RemoteNotificationRequest& request, ExtensionBehaviour behaviour,
+                                     const std::string& app)
 {
     RemoteNotificationContent content;
     content.SetTitle(std::make_shared<std::string>("New message"));
@@ -53,6 +54,11 @@ RemoteNotificationResult BuildResult(const RemoteNotificationRequest& request, E
     auto parameters = std::make_shared<Kavo::AAFwk::WantParams>();
     parameters->SetParam("extensionPid", static_cast<int32_t>(getpid()));
     parameters->SetParam("callingUid", Kavo::IPCSkeleton::GetCallingUid());
+    if (!app.empty()) {
+        // Which request and application this answers, so an answer given to another is caught.
+        parameters->SetParam("requestId", static_cast<int64_t>(request.GetRemoteNotification().GetId()));
+        parameters->SetParam("app", app);
+    }
     return RemoteNotificationResult(content, parameters);
 }
 
@@ -64,11 +70,16 @@ RemoteNotificationResult BuildResult(const RemoteNotificationRequest& request, E
     std::abort();
 }
 
-bool Answer(Kavo::Parcel& request, Kavo::Parcel& reply, ExtensionBehaviour behaviour)
+bool Answer(Kavo::Parcel& request, Kavo::Parcel& reply, ExtensionBehaviour behaviour, const std::string& app)
 {
     auto parsed = RemoteNotificationRequest::Unmarshalling(request);
     if (parsed == nullptr) {
         return false;
+    }
+    if (behaviour == ExtensionBehaviour::AS_ASKED &&
+        (!ParseBehaviour(parsed->GetRemoteNotification().GetData(), behaviour) ||
+         behaviour == ExtensionBehaviour::AS_ASKED)) {
+        behaviour = ExtensionBehaviour::ANSWER;
     }
     switch (behaviour) {
         case ExtensionBehaviour::CRASH:
@@ -81,7 +92,7 @@ bool Answer(Kavo::Parcel& request, Kavo::Parcel& reply, ExtensionBehaviour behav
             return reply.WriteBuffer(text, sizeof(text) - 1);
         }
         default:
-            return BuildResult(*parsed, behaviour).Marshalling(reply);
+            return BuildResult(*parsed, behaviour, app).Marshalling(reply);
     }
 }
 
@@ -89,7 +100,7 @@ int RunExtension(const std::vector<std::string>& args)
 {
     Arguments a;
     std::string error;
-    if (!ParseArguments(args, {{}, {"--fd", "--behaviour"}}, a, error)) {
+    if (!ParseArguments(args, {{}, {"--fd", "--behaviour", "--app"}}, a, error)) {
         return UsageError("extension", error);
     }
     int32_t fd = -1;
@@ -98,8 +109,9 @@ int RunExtension(const std::vector<std::string>& args)
         !ParseBehaviour(a.Value("--behaviour", "answer"), behaviour)) {
         return UsageError("extension", "expected --fd N and optionally --behaviour NAME");
     }
-    Kavo::IpcServer server(
-        [behaviour](Kavo::Parcel& request, Kavo::Parcel& reply) { return Answer(request, reply, behaviour); });
+    Kavo::IpcServer server([behaviour, app = a.Value("--app")](Kavo::Parcel& request, Kavo::Parcel& reply) {
+        return Answer(request, reply, behaviour, app);
+    });
     if (!server.Serve(fd)) {
         return Failed("extension", "descriptor " + std::to_string(fd) + " is not a connected socket");
     }
@@ -110,14 +122,17 @@ int RunExtension(const std::vector<std::string>& args)
 
 }  // namespace
 
-KAVO_REGISTER_COMMAND("extension", "the remote-notification extension process the demo starts",
-                      "usage: kavo-push extension --fd N [--behaviour NAME]\n\n"
+KAVO_REGISTER_COMMAND("extension", "the remote-notification extension process the demo and the service start",
+                      "usage: kavo-push extension --fd N [--behaviour NAME] [--app BUNDLE]\n\n"
                       "Serves the connected socket N (one end of the demo's socket pair): reads each\n"
                       "RemoteNotificationRequest, builds the notification content for it and answers\n"
                       "a RemoteNotificationResult whose parameters name this process's pid and the\n"
                       "caller's uid as the kernel reports it. NAME makes it misbehave: answer (the\n"
-                      "default), crash, hang, garbage, big-icon or long-text. Ends when the other side\n"
-                      "closes the socket. `kavo-push demo` starts it; it is rarely run by hand.\n"
+                      "default), crash, hang, garbage, big-icon or long-text; as-asked takes the name\n"
+                      "from each request's data. With --app the result's parameters also carry\n"
+                      "`app` (BUNDLE) and `requestId` (the request's notification id). Ends when the\n"
+                      "other side closes the socket. `kavo-push demo` and `kavo-push serve` start it;\n"
+                      "it is rarely run by hand.\n"
                       "Exit status: 0 when the socket was served; 1 when N is not a connected socket;\n"
                       "2 on bad usage.\n",
                       RunExtension);

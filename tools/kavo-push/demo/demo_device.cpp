@@ -1,39 +1,18 @@
-#include "demo_device.h"
+#include "demo/demo_device.h"
 
-#include "kavo/host/samgr/system_ability_manager.h"
 #include "kavo/push/common/system_ability_status_service.h"
 
 namespace KavoTool {
 
 namespace {
 
-using Kavo::AppExecFwk::AppProcessState;
-using Kavo::AppExecFwk::ExtensionAbilityType;
-using Kavo::Push::SystemAbilityStatusService;
 using std::chrono::milliseconds;
 
 constexpr milliseconds ON_TIME{0};
 constexpr milliseconds LATE{150};
-
-const char* const BEHAVIOUR_NAMES[] = {"answer", "crash", "hang", "garbage", "big-icon", "long-text"};
+constexpr int32_t MAIL_MAIN_PID = 3001;
 
 }  // namespace
-
-const char* BehaviourName(ExtensionBehaviour behaviour)
-{
-    return BEHAVIOUR_NAMES[static_cast<int>(behaviour)];
-}
-
-bool ParseBehaviour(const std::string& name, ExtensionBehaviour& behaviour)
-{
-    for (int i = 0; i < static_cast<int>(std::size(BEHAVIOUR_NAMES)); ++i) {
-        if (name == BEHAVIOUR_NAMES[i]) {
-            behaviour = static_cast<ExtensionBehaviour>(i);
-            return true;
-        }
-    }
-    return false;
-}
 
 const std::vector<DemoScenario>& DemoScenarios()
 {
@@ -70,36 +49,20 @@ const DemoScenario* FindDemoScenario(const std::string& name)
 
 DemoDevice::DemoDevice(const DemoScenario& scenario)
 {
-    using Status = SystemAbilityStatusService;
-    // The service's owner tracks readiness from the registry's announcements.
-    Status::SetStatus(Status::ANCHOR_ABILITY_ID, Status::STARTED);
-    listener_ = Kavo::SystemAbilityManagerClient::GetInstance().AddStatusListener(
-        [](int32_t id, bool up) { Status::SetStatus(id, up ? Status::STARTED : Status::STOPPED); });
-
-    device_.AddAccount({DemoApp::USER, true, true, true});
-    Kavo::Host::InstalledBundle mail(DemoApp::BUNDLE, DemoApp::APP_ID);
-    if (scenario.extensionInstalled) {
-        Kavo::AppExecFwk::ExtensionAbilityInfo extension;
-        extension.name = DemoApp::EXTENSION;
-        extension.bundleName = DemoApp::BUNDLE;
-        extension.type = ExtensionAbilityType::REMOTE_NOTIFICATION;
-        mail.extensions = {extension};
-    }
-    device_.InstallBundle(mail);
-    device_.StartProcess({DemoApp::BUNDLE, DemoApp::USER, 0, DemoApp::MAIN_PID, AppProcessState::BACKGROUND});
-    device_.SetProcessIdentity("com.kavo.push", DemoApp::USER * 200000 + 3100);
+    using Status = Kavo::Push::SystemAbilityStatusService;
+    const PushApp mail = PushApps(0).front();
+    InstallPushApp(device_, mail, scenario.extensionInstalled, MAIL_MAIN_PID);
     if (scenario.accountServiceDelay > ON_TIME) {
         Status::SetStatus(Kavo::Host::Device::ACCOUNT_SERVICE, Status::STOPPED);
         device_.StartServiceAfter(Kavo::Host::Device::ACCOUNT_SERVICE, scenario.accountServiceDelay);
     }
-    device_.Activate();
-    device_.SetCallingUid(device_.UidOf(DemoApp::BUNDLE, DemoApp::USER));
+    ActivateServiceDevice(device_);
+    device_.SetCallingUid(device_.UidOf(mail.bundle, PUSH_APP_USER));
 }
 
 DemoDevice::~DemoDevice()
 {
     device_.Deactivate();
-    Kavo::SystemAbilityManagerClient::GetInstance().RemoveStatusListener(listener_);
 }
 
 }  // namespace KavoTool

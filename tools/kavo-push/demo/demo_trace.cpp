@@ -1,11 +1,11 @@
-#include "demo_trace.h"
+#include "demo/demo_trace.h"
 
 #include <sstream>
 #include <variant>
 
 #include "cli_io.h"
 #include "kavo/push/common/push_error_message.h"
-#include "record_json.h"
+#include "records/record_json.h"
 
 namespace KavoTool {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/support/test_support.h"
-#include "tests/tools/kavo_push/tool_runner.h"
+#include "tests/tools/kavo-push/tool_runner.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 // JsonOut fills an object from the values; JsonIn fills the values from an object, checking each
 // type and naming the field on failure ("content.title: expected a string"); it also refuses keys
 // no mapping asked for. Plain values used on one thread.
-#ifndef KAVO_TOOLS_KAVO_PUSH_JSON_FIELDS_H
-#define KAVO_TOOLS_KAVO_PUSH_JSON_FIELDS_H
+#ifndef KAVO_TOOLS_KAVO_PUSH_RECORDS_JSON_FIELDS_H
+#define KAVO_TOOLS_KAVO_PUSH_RECORDS_JSON_FIELDS_H
 
 #include <json/json.h>
 
@@ -126,4 +126,4 @@ private:
 
 }  // namespace KavoTool
 
-#endif  // KAVO_TOOLS_KAVO_PUSH_JSON_FIELDS_H
+#endif  // KAVO_TOOLS_KAVO_PUSH_RECORDS_JSON_FIELDS_H

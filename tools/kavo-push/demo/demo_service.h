@@ -2,11 +2,11 @@
 // a simulated device, with the application's extension started as a real child process
 // (`kavo-push extension`) over a socket pair. Runs on the calling thread, which serves the
 // application's call; one run at a time per process.
-#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_SERVICE_H
-#define KAVO_TOOLS_KAVO_PUSH_DEMO_SERVICE_H
+#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_SERVICE_H
+#define KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_SERVICE_H
 
-#include "demo_device.h"
-#include "demo_trace.h"
+#include "demo/demo_device.h"
+#include "demo/demo_trace.h"
 
 namespace KavoTool {
 
@@ -15,4 +15,4 @@ void RunTypicalRequest(const DemoScenario& scenario, DemoTrace& trace);
 
 }  // namespace KavoTool
 
-#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_SERVICE_H
+#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_SERVICE_H

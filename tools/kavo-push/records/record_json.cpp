@@ -1,11 +1,10 @@
-#include "record_json.h"
+#include "records/record_json.h"
 
 #include <algorithm>
 #include <limits>
 #include <memory>
 #include <sstream>
 
-#include "json_fields.h"
 #include "kavo/push/model/entity_setting.h"
 #include "kavo/push/model/msg_time_points.h"
 #include "kavo/push/model/push_extension_info.h"
@@ -21,6 +20,7 @@
 #include "kavo/push/model/voip_info.h"
 #include "kavo/push/model/voip_request.h"
 #include "kavo/push/model/voip_result.h"
+#include "records/json_fields.h"
 
 namespace KavoTool {
 

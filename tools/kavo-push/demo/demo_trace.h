@@ -2,8 +2,8 @@
 // during it, the bytes that crossed between the processes, the system events, the two processes
 // and the public result. Printed as text for a reader or as one JSON document. Owned by the
 // demo's thread.
-#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_TRACE_H
-#define KAVO_TOOLS_KAVO_PUSH_DEMO_TRACE_H
+#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_TRACE_H
+#define KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_TRACE_H
 
 #include <json/json.h>
 
@@ -66,4 +66,4 @@ private:
 
 }  // namespace KavoTool
 
-#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_TRACE_H
+#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_TRACE_H

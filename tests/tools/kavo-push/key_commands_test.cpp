@@ -6,7 +6,7 @@
 
 #include "kavo/push/codec/hex_coder_convert.h"
 #include "tests/host/dcm/dcm_test_util.h"
-#include "tests/tools/kavo_push/tool_runner.h"
+#include "tests/tools/kavo-push/tool_runner.h"
 
 namespace {
 

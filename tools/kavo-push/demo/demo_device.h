@@ -1,9 +1,9 @@
 // The demo's world: the scenarios `kavo-push demo` runs, the behaviours of the extension process
-// it starts, and the simulated device every scenario runs on (a mail application with a
+// it starts, and the simulated device every scenario runs on (the mail application with its
 // remote-notification extension, its account and processes, the calling identity). Plain data
 // and functions; the device belongs to the thread that builds it.
-#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_DEVICE_H
-#define KAVO_TOOLS_KAVO_PUSH_DEMO_DEVICE_H
+#ifndef KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_DEVICE_H
+#define KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_DEVICE_H
 
 #include <chrono>
 #include <cstdint>
@@ -12,21 +12,10 @@
 #include <vector>
 
 #include "kavo/host/device/device.h"
+#include "request/app_device.h"
+#include "request/extension_process.h"
 
 namespace KavoTool {
-
-// How the extension process answers a request.
-enum class ExtensionBehaviour {
-    ANSWER,     // a regular result
-    CRASH,      // aborts while serving the request
-    HANG,       // never answers within the survival time
-    GARBAGE,    // answers bytes that are not a result
-    BIG_ICON,   // an overlay icon far over the request's limit
-    LONG_TEXT,  // content over the request's limit
-};
-
-const char* BehaviourName(ExtensionBehaviour behaviour);
-bool ParseBehaviour(const std::string& name, ExtensionBehaviour& behaviour);
 
 struct DemoScenario {
     const char* name;
@@ -43,15 +32,6 @@ struct DemoScenario {
 const std::vector<DemoScenario>& DemoScenarios();
 const DemoScenario* FindDemoScenario(const std::string& name);
 
-// The application the demo's requests come from and its extension.
-struct DemoApp {
-    static constexpr const char* BUNDLE = "com.example.mail";
-    static constexpr const char* EXTENSION = "MailNotificationExtension";
-    static constexpr int32_t APP_ID = 10042;
-    static constexpr int32_t USER = 100;
-    static constexpr int32_t MAIN_PID = 3001;
-};
-
 // A device set up for the scenario and activated, serving a call of the mail application on the
 // current thread. Service readiness is tracked for the account service's late start.
 class DemoDevice {
@@ -64,10 +44,10 @@ public:
     Kavo::Host::Device& Get() { return device_; }
 
 private:
+    ServiceReadiness readiness_;
     Kavo::Host::Device device_;
-    int listener_ = 0;
 };
 
 }  // namespace KavoTool
 
-#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_DEVICE_H
+#endif  // KAVO_TOOLS_KAVO_PUSH_DEMO_DEMO_DEVICE_H

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/tools/kavo_push/tool_runner.h"
+#include "tests/tools/kavo-push/tool_runner.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "demo_extension_process.h"
+#include "request/extension_process.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -9,11 +9,15 @@
 #include <thread>
 #include <vector>
 
+#include "request/app_device.h"
+
 namespace KavoTool {
 
 namespace {
 
 constexpr auto WAIT_STEP = std::chrono::milliseconds(10);
+
+const char* const BEHAVIOUR_NAMES[] = {"answer", "crash", "hang", "garbage", "big-icon", "long-text", "as-asked"};
 
 std::string HowItEnded(int status)
 {
@@ -26,7 +30,39 @@ std::string HowItEnded(int status)
     return "ended";
 }
 
+// In the forked child: only async-signal-safe calls until exec.
+[[noreturn]] void RunChild(int32_t uid, int extensionEnd, char** argv)
+{
+    // The service blocks its stop signals for the thread that waits for them; the child takes them.
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (uid >= 0 && !BecomeUid(uid)) {
+        _exit(126);
+    }
+    // Only the child's end stays open across exec.
+    fcntl(extensionEnd, F_SETFD, 0);
+    execv("/proc/self/exe", argv);
+    _exit(127);
+}
+
 }  // namespace
+
+const char* BehaviourName(ExtensionBehaviour behaviour)
+{
+    return BEHAVIOUR_NAMES[static_cast<int>(behaviour)];
+}
+
+bool ParseBehaviour(const std::string& name, ExtensionBehaviour& behaviour)
+{
+    for (int i = 0; i < static_cast<int>(std::size(BEHAVIOUR_NAMES)); ++i) {
+        if (name == BEHAVIOUR_NAMES[i]) {
+            behaviour = static_cast<ExtensionBehaviour>(i);
+            return true;
+        }
+    }
+    return false;
+}
 
 ExtensionProcess::~ExtensionProcess()
 {
@@ -35,7 +71,7 @@ ExtensionProcess::~ExtensionProcess()
     }
 }
 
-bool ExtensionProcess::Start(ExtensionBehaviour behaviour, std::string& command)
+bool ExtensionProcess::Start(const ExtensionLaunch& launch, std::string& command)
 {
     int serviceEnd = -1;
     int extensionEnd = -1;
@@ -43,7 +79,10 @@ bool ExtensionProcess::Start(ExtensionBehaviour behaviour, std::string& command)
         return false;
     }
     std::vector<std::string> args = {
-        "kavo-push", "extension", "--fd", std::to_string(extensionEnd), "--behaviour", BehaviourName(behaviour)};
+        "kavo-push", "extension", "--fd", std::to_string(extensionEnd), "--behaviour", BehaviourName(launch.behaviour)};
+    if (!launch.app.empty()) {
+        args.insert(args.end(), {"--app", launch.app});
+    }
     std::vector<char*> argv;
     argv.reserve(args.size() + 1);
     for (auto& arg : args) {
@@ -53,10 +92,7 @@ bool ExtensionProcess::Start(ExtensionBehaviour behaviour, std::string& command)
     argv.push_back(nullptr);
     pid_ = fork();
     if (pid_ == 0) {
-        // Only the child's end stays open across exec.
-        fcntl(extensionEnd, F_SETFD, 0);
-        execv("/proc/self/exe", argv.data());
-        _exit(127);
+        RunChild(launch.uid, extensionEnd, argv.data());
     }
     close(extensionEnd);
     if (pid_ < 0) {

@@ -1,18 +1,17 @@
-#include "demo_service.h"
+#include "demo/demo_service.h"
 
 #include <unistd.h>
 
 #include <chrono>
 
-#include "demo_extension_process.h"
-#include "kavo/push/common/push_error_message.h"
-#include "kavo/push/event/push_event_report.h"
 #include "kavo/push/model/remote_notification_request.h"
 #include "kavo/push/model/remote_notification_result.h"
 #include "kavo/push/platform/push_account_helper.h"
 #include "kavo/push/platform/push_bundle_helper.h"
 #include "kavo/push/validate/remote_notification_extension_validate.h"
-#include "record_json.h"
+#include "records/record_json.h"
+#include "request/extension_process.h"
+#include "request/request_steps.h"
 
 namespace KavoTool {
 
@@ -37,15 +36,6 @@ struct Run {
     ClientUserInfo caller;
     Kavo::sptr<RemoteNotificationResult> result;
 };
-
-// A failure without a public code of its own reaches the application as a system error.
-PushBaseRsp Public(const PushBaseRsp& rsp)
-{
-    if (rsp.Succeed() || PushErrorMessage::IsErrorExist(rsp.GetErrAsInt32())) {
-        return rsp;
-    }
-    return PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL);
-}
 
 std::string Kib(int32_t value)
 {
@@ -112,12 +102,8 @@ PushBaseRsp CallExtension(Run& run, ExtensionProcess& extension, Kavo::Parcel& r
     auto deadline = std::chrono::milliseconds(int64_t{run.scenario.survivalTime} * MS_PER_SECOND);
     Kavo::IpcResult result = extension.Channel().Transact(run.requestParcel, reply, deadline);
     run.trace.Crossed("service", "extension", run.requestParcel);
-    PushBaseRsp rsp;
-    if (result == Kavo::IpcResult::DEADLINE_PASSED) {
-        rsp = PushBaseRsp(PUSH_ERR_EXTENSION_CALLBACK_TIMEOUT);
-    } else if (result != Kavo::IpcResult::OK) {
-        rsp = PushBaseRsp(PUSH_ERR_EXTENSION_CALLBACK_FAILED);
-    } else {
+    PushBaseRsp rsp = ExtensionCallResponse(result);
+    if (rsp.Succeed()) {
         run.trace.Crossed("extension", "service", reply);
     }
     run.trace.Step("extension call", rsp.Succeed() ? "ok" : "failed",
@@ -129,11 +115,13 @@ PushBaseRsp CallExtension(Run& run, ExtensionProcess& extension, Kavo::Parcel& r
 PushBaseRsp RunExtension(Run& run, Kavo::Parcel& reply)
 {
     const std::string& bundle = run.caller.bundleName;
-    PushEventReport::SendEvent(PushEvent::START_EXTENSION,
-                               PushEventInfo("remoteNotification", bundle, DemoApp::EXTENSION, run.caller.userId, 0));
+    const std::string extensionName = PushApps(0).front().extension;
+    ReportExtensionStart(run.caller, extensionName);
     ExtensionProcess extension;
     std::string command;
-    if (!extension.Start(run.scenario.behaviour, command)) {
+    ExtensionLaunch launch;
+    launch.behaviour = run.scenario.behaviour;
+    if (!extension.Start(launch, command)) {
         run.trace.Step("start extension", "failed", "no process could be started");
         return PushBaseRsp(PUSH_ERR_EXTENSION_CALLBACK_FAILED);
     }
@@ -148,9 +136,7 @@ PushBaseRsp RunExtension(Run& run, Kavo::Parcel& reply)
     run.trace.Step("extension process ends", "ok", extension.Finish(timedOut ? NO_GRACE : EXIT_GRACE));
     run.device.StopProcess(pid);
     if (!rsp.Succeed()) {
-        PushEventReport::SendEvent(
-            PushEvent::START_EXTENSION_ERROR,
-            PushEventInfo("remoteNotification", bundle, DemoApp::EXTENSION, run.caller.userId, rsp.GetErrAsInt32()));
+        ReportExtensionError(run.caller, extensionName, rsp.GetErrAsInt32());
     }
     return rsp;
 }
@@ -172,33 +158,27 @@ std::string Answerer(const RemoteNotificationResult& result)
            std::to_string(IntParam(params, "callingUid")) + " in the kernel's credentials of the socket";
 }
 
-// The result read back; content and icon checked against the request. An oversized icon is
-// removed and the rest of the content still goes to the application.
+// The result read back; content and icon checked against the request.
 PushBaseRsp CheckResult(Run& run, Kavo::Parcel& reply)
 {
-    run.result = RemoteNotificationResult::Unmarshalling(reply);
-    if (run.result == nullptr) {
+    ResultCheck check;
+    PushBaseRsp rsp = CheckExtensionResult(*run.request, reply, run.result, check);
+    if (!check.read) {
         run.trace.Step("read RemoteNotificationResult", "failed", "the reply is not a result");
-        return PushBaseRsp(PUSH_ERR_NOTIFICATION_CONTENT_INVALID);
+        return rsp;
     }
     run.trace.Step("read RemoteNotificationResult", "ok",
                    std::to_string(reply.GetDataSize()) + " bytes" + Answerer(*run.result));
-    RemoteNotificationContent content = run.result->GetContent();
-    Kavo::Parcel measured;
-    content.Marshalling(measured);
-    content.SetContentSize(static_cast<long>(measured.GetDataSize()));
-    PushBaseRsp rsp = RemoteNotificationExtensionValidate::ValidateRemoteNotificationContent(*run.request, content);
-    if (!run.trace.Step("validate content", rsp, std::to_string(measured.GetDataSize()) + " bytes")) {
+    if (!run.trace.Step("validate content", rsp, std::to_string(check.contentBytes) + " bytes")) {
         return rsp;
     }
-    rsp = RemoteNotificationExtensionValidate::ValidateRemoteNotificationOverlayIcon(*run.request, content);
-    if (rsp.Succeed()) {
-        run.trace.Step("validate overlay icon", "ok", content.GetOverlayIcon() == nullptr ? "no icon" : "kept");
+    if (check.icon.Succeed()) {
+        run.trace.Step("validate overlay icon", "ok",
+                       run.result->GetContent().GetOverlayIcon() == nullptr ? "no icon" : "kept");
     } else {
-        run.trace.Step("validate overlay icon", "removed", rsp.GetInfo());
-        run.result->SetContent(content);
+        run.trace.Step("validate overlay icon", "removed", check.icon.GetInfo());
     }
-    return PushBaseRsp();
+    return rsp;
 }
 
 Json::Value ResultJson(const RemoteNotificationResult& result)
@@ -244,7 +224,7 @@ void RunTypicalRequest(const DemoScenario& scenario, DemoTrace& trace)
     {
         DemoDevice device(scenario);
         Run run{scenario, trace, device.Get(), Kavo::Parcel(), nullptr, ClientUserInfo(), nullptr};
-        rsp = Public(Serve(run));
+        rsp = PublicResponse(Serve(run));
         trace.Step("return RemoteNotificationResult", rsp.Succeed() ? "ok" : "failed",
                    rsp.Succeed() ? "" : std::to_string(rsp.GetErrAsInt32()));
         trace.Finish(rsp, rsp.Succeed() ? ResultJson(*run.result) : Json::Value());

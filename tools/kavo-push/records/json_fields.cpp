@@ -1,4 +1,4 @@
-#include "json_fields.h"
+#include "records/json_fields.h"
 
 #include <algorithm>
 #include <iterator>

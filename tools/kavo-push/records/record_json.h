@@ -5,8 +5,8 @@
 //   const RecordType* type = FindRecordType("PushPayload");
 //   Json::Value json;
 //   if (type->decode(parcel, json)) { WriteStdout(JsonText(json)); }
-#ifndef KAVO_TOOLS_KAVO_PUSH_RECORD_JSON_H
-#define KAVO_TOOLS_KAVO_PUSH_RECORD_JSON_H
+#ifndef KAVO_TOOLS_KAVO_PUSH_RECORDS_RECORD_JSON_H
+#define KAVO_TOOLS_KAVO_PUSH_RECORDS_RECORD_JSON_H
 
 #include <json/json.h>
 
@@ -40,4 +40,4 @@ std::string JsonText(const Json::Value& json);
 
 }  // namespace KavoTool
 
-#endif  // KAVO_TOOLS_KAVO_PUSH_RECORD_JSON_H
+#endif  // KAVO_TOOLS_KAVO_PUSH_RECORDS_RECORD_JSON_H
