@@ -21,7 +21,7 @@ const Target TARGETS[] = {
 };
 
 constexpr milliseconds SHORTEST_GAP{50};
-constexpr milliseconds LONGEST_GAP{3000};
+constexpr milliseconds LONGEST_GAP{8000};
 
 }  // namespace
 
