@@ -166,4 +166,34 @@ TEST_F(ServiceCommandTest, TheCallerIsTheUidOfTheConnection)
     EXPECT_NE(service.Out().find("4 started, 1 crashed"), std::string::npos) << service.Out();
 }
 
+// Bad options are named before anything starts; a taken socket or no service at all is a failure.
+TEST(ServiceOptionsTest, RefusesWhatItCannotRun)
+{
+    TempDir dir;
+    std::string socket = dir.Write("taken", "");
+    struct Case {
+        std::vector<std::string> args;
+        int status;
+        std::string part;
+    };
+    const std::vector<Case> cases = {
+        {{"load", "--clients", "1", "--requests", "1", "--faults", "crash=2"}, 2, "bad fault 'crash=2'"},
+        {{"load", "--clients", "1", "--requests", "1", "--faults", "melt=1%"}, 2, "bad fault 'melt=1%'"},
+        {{"load", "--clients", "1", "--requests", "1", "--faults", "crash=60%,hang=41%"}, 2, "more than 100%"},
+        {{"load", "--clients", "1", "--requests", "1", "--hostile", "rude"}, 2, "unknown hostile peer 'rude'"},
+        {{"load", "--clients", "0", "--requests", "1"}, 2, "expected --clients"},
+        {{"load", "--clients", "2", "--requests", "-1"}, 2, "expected --clients"},
+        {{"load", "--clients", "1", "--requests", "1", "--socket", dir.File("none")}, 1, "no service listens"},
+        {{"send", "--as", "com.example.app0"}, 2, "no application 'com.example.app0'"},
+        {{"send", "--socket", dir.File("none")}, 1, "no service listens"},
+        {{"serve", "--apps", "1001"}, 2, "expected counts"},
+        {{"serve", "--socket", socket}, 1, "cannot listen on " + socket},
+    };
+    for (const auto& c : cases) {
+        ToolRun run = RunTool(c.args);
+        EXPECT_EQ(run.status, c.status) << c.args.back() << run.err;
+        EXPECT_NE(run.err.find(c.part), std::string::npos) << run.err;
+    }
+}
+
 }  // namespace
