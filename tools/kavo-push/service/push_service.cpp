@@ -149,12 +149,10 @@ bool PushService::Handle(Kavo::Parcel& request, Kavo::Parcel& reply)
     Kavo::sptr<RemoteNotificationResult> result;
     PushBaseRsp rsp = Serve(request, result);
     if (!WriteServiceReply(reply, rsp, result.GetRefPtr())) {
-        // A result over the reply's limit cannot reach the application.
-        reply.RewindRead(0);
-        Kavo::Parcel small;
+        // A result over the reply's size limit cannot reach the application.
         rsp = PushBaseRsp(PUSH_ERR_SYSTEM_INTERNAL);
-        WriteServiceReply(small, rsp, nullptr);
-        reply = std::move(small);
+        reply = Kavo::Parcel();
+        WriteServiceReply(reply, rsp, nullptr);
     }
     Record(rsp.GetErrAsInt32(), std::chrono::steady_clock::now() - start);
     return true;
