@@ -61,9 +61,9 @@ bool DeviceChaos::Wait(milliseconds span)
 void DeviceChaos::Run()
 {
     std::mt19937 random(seed_);
-    // Short windows come often, so a short run meets several.
+    // Gaps scale with the windows, so a short run with short windows meets several.
     std::uniform_int_distribution<long> gap(SHORTEST_GAP.count(),
-                                            std::max(SHORTEST_GAP, std::min(LONGEST_GAP, longest_)).count());
+                                            std::max(SHORTEST_GAP, std::min(LONGEST_GAP, 4 * longest_)).count());
     std::uniform_int_distribution<size_t> pick(0, std::size(TARGETS) - 1);
     // Window lengths spread evenly over the orders of magnitude from 1 ms to the longest.
     std::uniform_real_distribution<double> magnitude(0.0, std::log(static_cast<double>(longest_.count())));
