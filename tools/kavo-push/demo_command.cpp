@@ -5,10 +5,10 @@
 
 #include "cli_io.h"
 #include "command.h"
-#include "demo_device.h"
-#include "demo_service.h"
-#include "demo_trace.h"
-#include "record_json.h"
+#include "demo/demo_device.h"
+#include "demo/demo_service.h"
+#include "demo/demo_trace.h"
+#include "records/record_json.h"
 
 namespace KavoTool {
 

@@ -3,7 +3,7 @@
 
 #include "cli_io.h"
 #include "command.h"
-#include "record_json.h"
+#include "records/record_json.h"
 
 namespace KavoTool {
 

@@ -6,7 +6,7 @@
 #include "command.h"
 #include "kavo/push/common/push_error_message.h"
 #include "kavo/push/validate/remote_notification_extension_validate.h"
-#include "record_json.h"
+#include "records/record_json.h"
 
 namespace KavoTool {
 
