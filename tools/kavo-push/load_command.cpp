@@ -44,7 +44,7 @@ bool ParsePlan(const Arguments& a, LoadPlan& plan, std::string& error)
     plan.chaos = a.Has("--chaos");
     plan.settle = std::chrono::milliseconds(settle);
     plan.progress = isatty(STDERR_FILENO) != 0 && !a.Has("--json");
-    return (!a.Has("--faults") || ParseFaultSpec(a.Value("--faults"), plan.faults, error)) &&
+    return (!a.Has("--faults") || ParseFaultRates(a.Value("--faults"), plan.faults, error)) &&
            (!a.Has("--hostile") || ParseHostileKinds(a.Value("--hostile"), plan.hostile, error));
 }
 

@@ -42,10 +42,10 @@ bool ParseRate(const std::string& text, double& rate)
 
 }  // namespace
 
-bool ParseFaultSpec(const std::string& spec, FaultRates& rates, std::string& error)
+bool ParseFaultRates(const std::string& text, FaultRates& rates, std::string& error)
 {
     FaultRates parsed;
-    std::istringstream in(spec);
+    std::istringstream in(text);
     std::string item;
     double total = 0;
     while (std::getline(in, item, ',')) {

@@ -20,7 +20,7 @@ struct FaultRates {
 
 // "crash=1%,garbage=1%,oversized=1%,hang=0.01%" (a bare number is a fraction: 0.01 is 1%).
 // Fails on an unknown kind, a rate outside 0..100% or rates summing past 100%.
-bool ParseFaultSpec(const std::string& spec, FaultRates& rates, std::string& error);
+bool ParseFaultRates(const std::string& text, FaultRates& rates, std::string& error);
 std::string DescribeFaults(const FaultRates& rates);
 
 // The behaviour a request with `draw` (uniform in [0, 1)) asks of the extension.
