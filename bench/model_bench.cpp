@@ -159,18 +159,23 @@ void BM_ResultCopyBaseline(benchmark::State& state)
     CopyBaseline(state, parcel, std::string(size_t{ICON_SIDE} * ICON_SIDE * 4, ICON_BYTE));
 }
 
-// The floor that the result's shape sets for any parcel path: a new buffer holding its parcel
-// bytes, and the same record built from values already in memory. Every shared part, the image's
-// pixels and each parameter are allocated and copied; nothing is parsed or checked.
+// The floor that the result's shape sets for a write and a read: its parcel bytes written once
+// into a fresh buffer and copied once into another, and the same record built from values
+// already in memory. Every shared part, the image's pixels and each parameter are allocated and
+// copied; nothing is parsed or checked.
 void BM_ResultShapeFloor(benchmark::State& state)
 {
     Parcel parcel;
     Result().Marshalling(parcel);
     const RemoteNotificationContent source = Content();
     const std::vector<uint8_t> pixels(static_cast<size_t>(source.GetOverlayIcon()->GetByteCount()), ICON_BYTE);
+    const size_t size = parcel.GetDataSize();
     for (auto _ : state) {
-        std::unique_ptr<uint8_t[]> buffer(new uint8_t[parcel.GetDataSize()]);
-        std::memcpy(buffer.get(), parcel.GetData(), parcel.GetDataSize());
+        std::unique_ptr<uint8_t[]> written(new uint8_t[size]);
+        std::memcpy(written.get(), parcel.GetData(), size);
+        benchmark::DoNotOptimize(written.get());
+        std::unique_ptr<uint8_t[]> buffer(new uint8_t[size]);
+        std::memcpy(buffer.get(), written.get(), size);
         benchmark::DoNotOptimize(buffer.get());
         sptr<RemoteNotificationResult> result(new RemoteNotificationResult());
         RemoteNotificationContent content;
