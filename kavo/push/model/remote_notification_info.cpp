@@ -44,7 +44,7 @@ sptr<RemoteNotificationInfo> RemoteNotificationInfo::Unmarshalling(Parcel& parce
     if (!parcel.ReadInt64(id)) {
         return Fail("RemoteNotificationInfo::Unmarshalling: Read id Error");
     }
-    auto* info = new (std::nothrow) RemoteNotificationInfo();
+    auto* info = new (std::nothrow) RemoteNotificationInfo;
     if (info == nullptr) {
         return Fail("New RemoteNotificationInfo error");
     }

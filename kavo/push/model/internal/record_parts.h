@@ -38,7 +38,7 @@ std::shared_ptr<T> SharedTake(T& part)
 template <typename T>
 sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char* text)
 {
-    auto* record = new (std::nothrow) T();
+    auto* record = new (std::nothrow) T;
     if (record == nullptr) {
         return nullptr;
     }
@@ -56,7 +56,7 @@ sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char*
 template <typename T, typename Read>
 sptr<T> AllocateThenRead(const char* newText, Read read)
 {
-    std::unique_ptr<T> record(new (std::nothrow) T());
+    std::unique_ptr<T> record(new (std::nothrow) T);
     if (record == nullptr) {
         return Fail(newText);
     }
