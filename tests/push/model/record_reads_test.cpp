@@ -156,7 +156,7 @@ TEST(RecordReadTest, ARecordFailsItsWriteOnAPartItsReaderWouldRefuse)
     }
 }
 
-TEST(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
+TEST(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentOrAReadAgainReplacesThemAll)
 {
     const auto shares = [](const RemoteNotificationContent& a, const RemoteNotificationContent& b) {
         return a.GetTitle() == b.GetTitle() && a.GetText() == b.GetText() && a.GetOverlayIcon() == b.GetOverlayIcon() &&
@@ -172,6 +172,10 @@ TEST(RecordReadTest, ContentCopiesShareTheirPartsAndSetContentReplacesThemAll)
     EXPECT_TRUE(shares(RemoteNotificationContent(content), content));
     result.SetContent(RemoteNotificationContent());
     EXPECT_TRUE(shares(result.GetContent(), RemoteNotificationContent())) << "absent parts are set absent";
+    result.SetContent(content);
+    Parcel parcel = ParcelOf(Marshal(RemoteNotificationResult(ContentOf(0x01), nullptr)));
+    ASSERT_TRUE(result.ReadFromParcel(parcel));
+    EXPECT_TRUE(result.GetContent() == ContentOf(0x01)) << "parts absent from the parcel are read absent";
 }
 
 Json::Value Object(std::initializer_list<std::pair<const char*, Json::Value>> members)

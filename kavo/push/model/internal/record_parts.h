@@ -32,17 +32,18 @@ std::shared_ptr<T> SharedTake(T& part)
     return MakeSharedNothrow<T>(std::move(part));
 }
 
-// The construct-then-fill pattern: a default record filled by its ReadFromParcel. A failed fill
-// passes the record's own text to `fail` (LogAndReport, or LogOnly), destroys the record and
-// gives null; a failed allocation gives null and logs nothing.
-template <typename T>
+// The construct-then-fill pattern: a default record filled by its ReadFromParcel, or by `fill`
+// where the record reads a new object in place. A failed fill passes the record's own text to
+// `fail` (LogAndReport, or LogOnly), destroys the record and gives null; a failed allocation
+// gives null and logs nothing.
+template <typename T, bool (T::*fill)(Parcel&) = &T::ReadFromParcel>
 sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char* text)
 {
     auto* record = new (std::nothrow) T;
     if (record == nullptr) {
         return nullptr;
     }
-    if (!record->ReadFromParcel(parcel)) {
+    if (!(record->*fill)(parcel)) {
         fail(text);
         delete record;
         return nullptr;
