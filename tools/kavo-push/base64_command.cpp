@@ -1,6 +1,12 @@
 // `kavo-push base64 encode|decode`: standard Base64 on one line, through the library's codec.
 // The input streams through in pieces, so a large file never sits in memory whole; an input up
 // to one piece is still one call on all of it.
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+
 #include "cli_io.h"
 #include "command.h"
 #include "kavo/push/codec/push_base64_convert.h"
@@ -61,45 +67,142 @@ private:
     SecureString pending_;
 };
 
-// Line breaks and spaces are dropped first, so wrapped text decodes too. The codec skips an
-// unfinished last group and accepts stray bits in the last one, so each piece is encoded again
-// and must give its text back: only canonical, padded Base64 passes. Padding ends the text, so
-// a piece followed by more text may hold none; the last piece keeps a whole group before any
-// unfinished one, so the codec sees the end of the text as it would see it whole.
+// The value of each character of the alphabet, -1 for every other byte.
+constexpr std::array<int8_t, 256> AlphabetValues()
+{
+    std::array<int8_t, 256> values{};
+    for (auto& value : values) {
+        value = -1;
+    }
+    const char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (int8_t i = 0; i < 64; ++i) {
+        values[static_cast<unsigned char>(alphabet[i])] = i;
+    }
+    return values;
+}
+
+constexpr std::array<int8_t, 256> ALPHABET_VALUES = AlphabetValues();
+constexpr size_t BLOCK_CHARS = 64;
+
+// Whether all BLOCK_CHARS bytes are in the alphabet. Branch-free, so the compiler checks them
+// side by side; most text is nothing else.
+bool BlockInAlphabet(const unsigned char* bytes)
+{
+    // Byte-wide throughout, so each lane holds one character.
+    unsigned char outside = 0;
+    for (size_t i = 0; i < BLOCK_CHARS; ++i) {
+        const unsigned char c = bytes[i];
+        const bool letter = static_cast<unsigned char>((c | 0x20) - 'a') < 26;
+        const bool digit = static_cast<unsigned char>(c - '0') < 10;
+        outside |= static_cast<unsigned char>(!(letter | digit | (c == '+') | (c == '/')));
+    }
+    return outside == 0;
+}
+
+// Line breaks and spaces are dropped as the text arrives, and it is checked in the same pass:
+// only canonical, padded Base64 passes, the text a Base64 encoder would give back for its bytes.
+// The codec alone would skip an unfinished last group and accept stray bits in the last one.
+// Padding ends the text, so a piece followed by more text may hold none; the last piece keeps
+// a whole group before any unfinished one, so the codec sees the end of the text as it would
+// see it whole.
 class Decoder {
 public:
+    Decoder()
+    {
+        pending_.reserve(FULL);
+        rest_.reserve(FULL);
+    }
+
     bool Add(const char* data, size_t size, std::string& error)
     {
-        pending_ += WithoutSpace(std::string(data, size));
-        while (pending_.size() >= DECODE_PIECE_CHARS + 4) {
-            SecureString piece = pending_.substr(0, DECODE_PIECE_CHARS);
-            if (piece.find('=') != std::string::npos) {
-                error = "input is not valid Base64";
+        for (size_t used = 0; used < size;) {
+            used = Append(data, size, used);
+            if (pending_.size() == FULL && !Put(DECODE_PIECE_CHARS, error)) {
                 return false;
             }
-            if (!Put(piece, error)) {
-                return false;
-            }
-            pending_.erase(0, DECODE_PIECE_CHARS);
         }
         return true;
     }
 
-    bool Finish(std::string& error) { return pending_.empty() || Put(pending_, error); }
+    bool Finish(std::string& error) { return pending_.empty() || Put(pending_.size(), error); }
 
 private:
-    static bool Put(const SecureString& text, std::string& error)
+    // A piece and the group after it: the piece is decoded once that much text is pending.
+    static constexpr size_t FULL = DECODE_PIECE_CHARS + 4;
+    static constexpr size_t NONE = std::string::npos;
+
+    // Takes text from `from` until a piece and the group after it are pending, and returns where
+    // it stopped. Runs of the alphabet are copied whole and white space is dropped; the first
+    // other byte kept is remembered, so no piece is looked at again.
+    size_t Append(const char* data, size_t size, size_t from)
     {
-        SecureString bytes = PushBase64Convert::Base64Decode(text);
-        if (bytes.empty() || PushBase64Convert::Base64Encode(bytes) != text) {
+        const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+        size_t i = from;
+        while (i < size && pending_.size() < FULL) {
+            const size_t limit = i + std::min(FULL - pending_.size(), size - i);
+            size_t end = i;
+            while (end + BLOCK_CHARS <= limit && BlockInAlphabet(bytes + end)) {
+                end += BLOCK_CHARS;
+            }
+            while (end < limit && ALPHABET_VALUES[bytes[end]] >= 0) {
+                ++end;
+            }
+            pending_.append(data + i, end - i);
+            i = end;
+            if (end < limit) {
+                if (std::isspace(bytes[end]) == 0) {
+                    firstOutside_ = std::min(firstOutside_, pending_.size());
+                    pending_ += data[end];
+                }
+                ++i;
+            }
+        }
+        return i;
+    }
+
+    // The first `size` characters pending, padded at the end only when they are the last.
+    bool Canonical(size_t size) const
+    {
+        if (firstOutside_ >= size) {
+            return size % 4 == 0;
+        }
+        const size_t padding = size - firstOutside_;
+        if (size != pending_.size() || size % 4 != 0 || padding > 2 || pending_[size - 1] != '=' ||
+            pending_[firstOutside_] != '=') {
+            return false;
+        }
+        // The bits of the last character that no byte takes must be zero.
+        const int8_t last = ALPHABET_VALUES[static_cast<unsigned char>(pending_[firstOutside_ - 1])];
+        return (last & (padding == 1 ? 0x03 : 0x0F)) == 0;
+    }
+
+    // Decodes the first `size` characters pending and keeps the rest for the next piece.
+    bool Put(size_t size, std::string& error)
+    {
+        const bool last = size == pending_.size();
+        if (!last && firstOutside_ < size &&
+            std::memchr(pending_.data() + firstOutside_, '=', size - firstOutside_) != nullptr) {
+            error = "input is not valid Base64";
+            return false;
+        }
+        const bool canonical = Canonical(size);
+        rest_.assign(pending_, size, NONE);
+        pending_.resize(size);
+        // The codec is asked even for text already known bad, so its own report stays as it was.
+        const SecureString bytes = PushBase64Convert::Base64Decode(pending_);
+        if (bytes.empty() || !canonical) {
             error = "input is not valid Base64";
             return false;
         }
         WriteStdout(bytes);
+        pending_.swap(rest_);
+        firstOutside_ = firstOutside_ == NONE ? NONE : firstOutside_ - size;
         return true;
     }
 
     SecureString pending_;
+    SecureString rest_;
+    size_t firstOutside_ = NONE;
 };
 
 template <class Coder>

@@ -66,7 +66,11 @@ uint8_t* Parcel::AppendSlow(size_t size)
 
 void Parcel::Grow(size_t needed)
 {
-    const size_t grown = std::min(std::max({needed, capacity_ * 2, INITIAL_CAPACITY}), maxCapacity_);
+    // Room is left past a large item (a long string, an image) for the small items that follow
+    // it, so the buffer does not grow again, copying the item, at the next write. AppendSlow keeps
+    // `needed` within the maximum, so the sum cannot wrap and the result is never below it.
+    const size_t headroom = std::min(INITIAL_CAPACITY, maxCapacity_ - needed);
+    const size_t grown = std::min(std::max(needed + headroom, capacity_ * 2), maxCapacity_);
     // Default-initialised on purpose: the bytes are copied or written before they are read.
     std::unique_ptr<uint8_t[]> bigger(new uint8_t[grown]);
     if (size_ != 0) {

@@ -123,7 +123,7 @@ PixelMap* PixelMap::Unmarshalling(Parcel& parcel)
     if (!ReadImage(parcel, image)) {
         return nullptr;
     }
-    auto* map = new (std::nothrow) PixelMap();
+    auto* map = new (std::nothrow) PixelMap;
     if (map == nullptr) {
         return nullptr;
     }

@@ -206,7 +206,7 @@ WantParams* WantParams::Unmarshalling(Parcel& parcel, int depth)
     if (!ReadCount(parcel, depth, count)) {
         return nullptr;
     }
-    std::unique_ptr<WantParams> params(new (std::nothrow) WantParams());
+    std::unique_ptr<WantParams> params(new (std::nothrow) WantParams);
     if (params == nullptr || !params->ReadEntries(parcel, depth, count)) {
         return nullptr;
     }

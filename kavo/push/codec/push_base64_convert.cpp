@@ -48,8 +48,8 @@ int CandidatePadding(const SecureString& text)
     return endsClean && std::memchr(bytes, '=', n - padding) == nullptr ? static_cast<int>(padding) : -1;
 }
 
-// Each block helper returns its one named result, so it is built in place: SecureString has
-// no move, and a copy would cost a second buffer and a second wipe.
+// Each block helper returns its one named result, so it is built in place in the caller's
+// string.
 SecureString EncodeBlock(const unsigned char* data, unsigned int length)
 {
     SecureString text((length + GROUP_BYTES - 1) / GROUP_BYTES * GROUP_CHARS, '\0');

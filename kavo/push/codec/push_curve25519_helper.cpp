@@ -81,8 +81,7 @@ PushBaseRsp PushCurve25519Helper::BuildCurve25519KeyMaterial(const unsigned int&
     PutWord(scratch, 1, KEY_BITS);
     PutWord(scratch, 2, static_cast<uint32_t>(publicLength));
     PutWord(scratch, 3, static_cast<uint32_t>(privateLength));
-    SecureString material(reinterpret_cast<const char*>(scratch.data()), scratch.size());
-    keyMaterial = material;
+    keyMaterial = SecureString(reinterpret_cast<const char*>(scratch.data()), scratch.size());
     return PushBaseRsp(PUSH_SUCCESS);
 }
 

@@ -1,6 +1,7 @@
 #include "kavo/push/codec/secure_string.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "kavo/host/secure/bounded_memory.h"
 
@@ -11,6 +12,24 @@ SecureString& SecureString::operator=(const SecureString& other)
     if (this != &other) {
         Wipe();
         std::string::operator=(other);
+    }
+    return *this;
+}
+
+// A long string's buffer changes hands; a short one's bytes are copied out of the source's own
+// object, so they are wiped there.
+SecureString::SecureString(SecureString&& other) noexcept : std::string(std::move(other))
+{
+    other.Wipe();
+}
+
+// The source may also be handed this string's old buffer, wiped before the move.
+SecureString& SecureString::operator=(SecureString&& other) noexcept
+{
+    if (this != &other) {
+        Wipe();
+        std::string::operator=(std::move(other));
+        other.Wipe();
     }
     return *this;
 }

@@ -17,6 +17,10 @@ class KAVO_PUSH_EXPORT PushExtensionInfo : public Parcelable {
 public:
     PushExtensionInfo() = default;
     PushExtensionInfo(const int& survivalTime, const bool& sync, const PushPayload& payload);
+    PushExtensionInfo(const PushExtensionInfo&) = default;
+    PushExtensionInfo(PushExtensionInfo&&) noexcept = default;
+    PushExtensionInfo& operator=(const PushExtensionInfo&) = default;
+    PushExtensionInfo& operator=(PushExtensionInfo&&) noexcept = default;
     ~PushExtensionInfo() override = default;
 
     int32_t GetSurvivalTime() const { return survivalTime_; }

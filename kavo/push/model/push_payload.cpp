@@ -23,7 +23,7 @@ sptr<PushPayload> PushPayload::Unmarshalling(Parcel& parcel)
     if (!parcel.ReadString(type) || !parcel.ReadString(data)) {
         return Fail("PushPayload unmarshalling error");
     }
-    auto* payload = new (std::nothrow) PushPayload();
+    auto* payload = new (std::nothrow) PushPayload;
     if (payload == nullptr) {
         return Fail("New PushPayload error");
     }

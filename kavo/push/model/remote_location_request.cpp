@@ -1,6 +1,7 @@
 #include "kavo/push/model/remote_location_request.h"
 
 #include <new>
+#include <utility>
 
 #include "kavo/push/model/internal/record_failure.h"
 
@@ -19,8 +20,8 @@ sptr<RemoteLocationRequest> RemoteLocationRequest::Unmarshalling(Parcel& parcel)
     if (info == nullptr) {
         return Fail("ExtensionMessageInfo unmarshalling error");
     }
-    auto* request =
-        new (std::nothrow) RemoteLocationRequest(info->GetSurvivalTime(), info->GetSync(), info->GetPushPayload());
+    // The info read holds its only reference, so its payload is moved rather than copied.
+    auto* request = new (std::nothrow) RemoteLocationRequest(std::move(*info));
     if (request == nullptr) {
         return Fail("New RemoteLocationRequest error");
     }

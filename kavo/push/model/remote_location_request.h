@@ -4,6 +4,8 @@
 #ifndef KAVO_PUSH_MODEL_REMOTE_LOCATION_REQUEST_H
 #define KAVO_PUSH_MODEL_REMOTE_LOCATION_REQUEST_H
 
+#include <utility>
+
 #include "kavo/host/ipc/parcel.h"
 #include "kavo/push/common/push_export.h"
 #include "kavo/push/model/push_extension_info.h"
@@ -19,6 +21,10 @@ public:
 
     // Reads a whole PushExtensionInfo, then makes the request from it.
     static sptr<RemoteLocationRequest> Unmarshalling(Parcel& parcel);
+
+private:
+    // Takes over what an info just read holds, so its payload is not copied again.
+    explicit RemoteLocationRequest(PushExtensionInfo&& info) : PushExtensionInfo(std::move(info)) {}
 };
 
 }  // namespace Kavo::Push

@@ -30,27 +30,32 @@ bool RemoteNotificationInfo::Marshalling(Parcel& parcel) const
     return true;
 }
 
-sptr<RemoteNotificationInfo> RemoteNotificationInfo::Unmarshalling(Parcel& parcel)
+bool RemoteNotificationInfo::ReadFields(Parcel& parcel)
 {
-    std::string type;
-    if (!parcel.ReadString(type)) {
+    if (!parcel.ReadString(type_)) {
         return Fail("RemoteNotificationInfo::Unmarshalling: Read type Error");
     }
-    std::string data;
-    if (!parcel.ReadString(data)) {
+    if (!parcel.ReadString(data_)) {
         return Fail("RemoteNotificationInfo::Unmarshalling: Read data Error");
     }
     int64_t id = 0;
     if (!parcel.ReadInt64(id)) {
         return Fail("RemoteNotificationInfo::Unmarshalling: Read id Error");
     }
-    auto* info = new (std::nothrow) RemoteNotificationInfo();
+    id_ = id;
+    return true;
+}
+
+sptr<RemoteNotificationInfo> RemoteNotificationInfo::Unmarshalling(Parcel& parcel)
+{
+    RemoteNotificationInfo read;
+    if (!read.ReadFields(parcel)) {
+        return nullptr;
+    }
+    auto* info = new (std::nothrow) RemoteNotificationInfo(std::move(read));
     if (info == nullptr) {
         return Fail("New RemoteNotificationInfo error");
     }
-    info->type_ = std::move(type);
-    info->data_ = std::move(data);
-    info->id_ = id;
     return sptr<RemoteNotificationInfo>(info);
 }
 

@@ -32,6 +32,12 @@ public:
     bool operator!=(const RemoteNotificationInfo& other) const { return !(*this == other); }
 
 private:
+    // The request reads its info in place through ReadFields, without an object of its own.
+    friend class RemoteNotificationRequest;
+
+    // Reads the three fields into this info; a failed read logs and reports its own text.
+    bool ReadFields(Parcel& parcel);
+
     long id_ = 0;
 };
 

@@ -1,6 +1,6 @@
 #include "kavo/push/model/remote_notification_request.h"
 
-#include <utility>
+#include <cstdint>
 
 #include "kavo/push/model/internal/record_failure.h"
 #include "kavo/push/model/internal/record_parts.h"
@@ -60,17 +60,15 @@ sptr<RemoteNotificationRequest> RemoteNotificationRequest::Unmarshalling(Parcel&
     return internal::AllocateThenRead<RemoteNotificationRequest>(
         "New remoteNotificationRequest error", [&parcel](RemoteNotificationRequest& request) -> bool {
             const bool limitsRead = request.ReadLimits(parcel);
-            // The info is read even when a limit failed, so its failure is logged as well.
-            sptr<RemoteNotificationInfo> info = parcel.ReadStrongParcelable<RemoteNotificationInfo>();
-            if (info == nullptr) {
+            // The info is read even when a limit failed, so its failure is logged as well. It is
+            // read straight into the request, behind its presence word, as its own Unmarshalling
+            // would read it; the request is thrown away on any failure.
+            int32_t present = 0;
+            if (!parcel.ReadInt32(present) || present == 0 || !request.remoteNotification_.ReadFields(parcel)) {
                 LogAndReport("New RemoteNotificationInfo Error");
                 return false;
             }
-            if (!limitsRead) {
-                return false;
-            }
-            request.remoteNotification_ = std::move(*info);
-            return true;
+            return limitsRead;
         });
 }
 

@@ -31,11 +31,10 @@ bool RemoteNotificationResult::Marshalling(Parcel& parcel) const
     return true;
 }
 
-bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
+bool RemoteNotificationResult::ReadContent(Parcel& parcel, RemoteNotificationContent& content)
 {
-    // Read as its own parcelable would be, but into a local instead of a new object of its own.
+    // Read as its own parcelable would be, but into the caller's content instead of a new object.
     int32_t present = 0;
-    RemoteNotificationContent content;
     if (!parcel.ReadInt32(present) || present == 0) {
         return Fail("RemoteNotificationResult::ReadFromParcel: Read Content Error");
     }
@@ -43,7 +42,11 @@ bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
         internal::LogAndReport("RemoteNotificationContent Unmarshalling Error");
         return Fail("RemoteNotificationResult::ReadFromParcel: Read Content Error");
     }
-    content_ = std::move(content);
+    return true;
+}
+
+bool RemoteNotificationResult::ReadParameters(Parcel& parcel)
+{
     bool hasParameters = false;
     if (!parcel.ReadBool(hasParameters)) {
         return Fail("RemoteNotificationResult::ReadFromParcel: Read Valid from Parcel Error");
@@ -54,10 +57,26 @@ bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
     return internal::ReadWantParams(parcel, parameters_, "Read wantParams error", "New wantParams error");
 }
 
+// A result read again gets a whole new content, and keeps its old one when that read fails.
+bool RemoteNotificationResult::ReadFromParcel(Parcel& parcel)
+{
+    RemoteNotificationContent content;
+    if (!ReadContent(parcel, content)) {
+        return false;
+    }
+    content_ = std::move(content);
+    return ReadParameters(parcel);
+}
+
+bool RemoteNotificationResult::ReadNew(Parcel& parcel)
+{
+    return ReadContent(parcel, content_) && ReadParameters(parcel);
+}
+
 sptr<RemoteNotificationResult> RemoteNotificationResult::Unmarshalling(Parcel& parcel)
 {
-    return internal::ConstructThenFill<RemoteNotificationResult>(parcel, internal::LogAndReport,
-                                                                 "New remoteNotificationResult error");
+    return internal::ConstructThenFill<RemoteNotificationResult, &RemoteNotificationResult::ReadNew>(
+        parcel, internal::LogAndReport, "New remoteNotificationResult error");
 }
 
 bool RemoteNotificationResult::operator==(const RemoteNotificationResult& other) const

@@ -37,6 +37,13 @@ public:
     bool operator!=(const RemoteNotificationResult& other) const { return !(*this == other); }
 
 private:
+    // The presence word and the content, read into `content`, which must be empty: an absent
+    // part is left as it is.
+    static bool ReadContent(Parcel& parcel, RemoteNotificationContent& content);
+    bool ReadParameters(Parcel& parcel);
+    // What ReadFromParcel does, for a new result, whose content is empty: read in place.
+    bool ReadNew(Parcel& parcel);
+
     RemoteNotificationContent content_;
     std::shared_ptr<AAFwk::WantParams> parameters_;
 };

@@ -58,7 +58,7 @@ bool SubscribeNotificationBasicSetting::Marshalling(Parcel& parcel) const
 
 sptr<SubscribeNotificationBasicSetting> SubscribeNotificationBasicSetting::Unmarshalling(Parcel& parcel)
 {
-    auto* setting = new (std::nothrow) SubscribeNotificationBasicSetting();
+    auto* setting = new (std::nothrow) SubscribeNotificationBasicSetting;
     if (setting == nullptr) {
         return Fail("New SubscribeNotificationBasicSetting error");
     }

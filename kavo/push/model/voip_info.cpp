@@ -37,7 +37,7 @@ sptr<VoIPInfo> VoIPInfo::Unmarshalling(Parcel& parcel)
     if (!parcel.ReadString(callId)) {
         return Fail("VoIPInfo::Unmarshalling: Read callId Error");
     }
-    auto* info = new (std::nothrow) VoIPInfo();
+    auto* info = new (std::nothrow) VoIPInfo;
     if (info == nullptr) {
         return Fail("New VoIPInfo error");
     }

@@ -41,4 +41,43 @@ TEST(SecureStringTest, SecretBytesAreWipedOnEveryWayOut)
     }
 }
 
+// A move hands the buffer over, and nothing of the secret stays in the source: neither in its
+// own object, where a short string lives, nor in the buffer it is left with.
+TEST(SecureStringTest, AMovedFromStringHoldsNoByteOfItsSecret)
+{
+    struct Case {
+        const char* behaviour;
+        std::function<void(SecureString&, SecureString&)> move;  // from the first into the second
+    };
+    const Case cases[] = {
+        {"move-constructed",
+         [](SecureString& from, SecureString& to) {
+             to.~SecureString();
+             new (&to) SecureString(std::move(from));
+         }},
+        {"move-assigned over a long string",
+         [](SecureString& from, SecureString& to) { to = SecureString(std::string(40, 'o')), to = std::move(from); }},
+        {"move-assigned over a short string",
+         [](SecureString& from, SecureString& to) { to = SecureString("old"), to = std::move(from); }},
+    };
+    for (const std::string& secret : {std::string("k3y\0!"), std::string(15, 's'), std::string(64, 'L')}) {
+        for (const Case& c : cases) {
+            alignas(SecureString) char storage[sizeof(SecureString)] = {};
+            alignas(SecureString) char target[sizeof(SecureString)] = {};
+            auto* from = new (storage) SecureString(secret.data(), secret.size());
+            auto* to = new (target) SecureString();
+            const char* buffer = from->data();
+            c.move(*from, *to);
+            EXPECT_EQ(*to, secret) << c.behaviour;
+            EXPECT_TRUE(secret.size() < sizeof(storage) || to->data() == buffer) << c.behaviour << ": copied";
+            EXPECT_EQ(std::string(storage, sizeof(storage)).find(secret.substr(0, 3)), std::string::npos)
+                << c.behaviour << ", " << secret.size() << " bytes: left in the object";
+            const std::string left(from->data(), from->capacity());
+            EXPECT_EQ(left, std::string(left.size(), '\0')) << c.behaviour << ": left in its buffer";
+            from->~SecureString();
+            to->~SecureString();
+        }
+    }
+}
+
 }  // namespace

@@ -32,17 +32,18 @@ std::shared_ptr<T> SharedTake(T& part)
     return MakeSharedNothrow<T>(std::move(part));
 }
 
-// The construct-then-fill pattern: a default record filled by its ReadFromParcel. A failed fill
-// passes the record's own text to `fail` (LogAndReport, or LogOnly), destroys the record and
-// gives null; a failed allocation gives null and logs nothing.
-template <typename T>
+// The construct-then-fill pattern: a default record filled by its ReadFromParcel, or by `fill`
+// where the record reads a new object in place. A failed fill passes the record's own text to
+// `fail` (LogAndReport, or LogOnly), destroys the record and gives null; a failed allocation
+// gives null and logs nothing.
+template <typename T, bool (T::*fill)(Parcel&) = &T::ReadFromParcel>
 sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char* text)
 {
-    auto* record = new (std::nothrow) T();
+    auto* record = new (std::nothrow) T;
     if (record == nullptr) {
         return nullptr;
     }
-    if (!record->ReadFromParcel(parcel)) {
+    if (!(record->*fill)(parcel)) {
         fail(text);
         delete record;
         return nullptr;
@@ -56,7 +57,7 @@ sptr<T> ConstructThenFill(Parcel& parcel, void (*fail)(const char*), const char*
 template <typename T, typename Read>
 sptr<T> AllocateThenRead(const char* newText, Read read)
 {
-    std::unique_ptr<T> record(new (std::nothrow) T());
+    std::unique_ptr<T> record(new (std::nothrow) T);
     if (record == nullptr) {
         return Fail(newText);
     }
