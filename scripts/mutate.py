@@ -256,6 +256,7 @@ def read_results(path):
                 fields = row.rstrip("\n").split("\t")
                 if row.startswith("#") or len(fields) < 5:
                     continue
+                # A mutant run again (--recheck) counts by its last line.
                 results[(fields[0].rsplit(":", 1)[0], fields[4], fields[1])] = fields[2]
     return results
 
@@ -358,6 +359,7 @@ def main():
     parser.add_argument("--grep", metavar="REGEX", help="only mutants whose FILE:LINE<TAB>CHANGE<TAB>LINE-TEXT matches")
     parser.add_argument("--out", help="append results to this file (default: standard output only)")
     parser.add_argument("--resume", metavar="RESULTS", help="skip mutants already in RESULTS; results append to it unless --out")
+    parser.add_argument("--recheck", action="store_true", help="with --resume, run the survivors in RESULTS again (after new tests)")
     parser.add_argument("--build", default=DEFAULT_BUILD,
                         help="build tree (default build/mutate, configured on first use with %s)" % " ".join(CONFIGURE))
     parser.add_argument("--jobs", type=int, default=2, help="build and ctest parallel jobs (default 2)")
@@ -376,6 +378,8 @@ def main():
         parser.error("give the files or folders to mutate")
     out_path = args.out or args.resume
     done = read_results(args.resume)
+    if args.recheck:
+        done = {key: status for key, status in done.items() if status != "survived"}
     equivalents = read_equivalents()
 
     mutants = []
