@@ -356,6 +356,7 @@ def main():
     parser.add_argument("targets", nargs="*", help="source files or folders to mutate (their *.cpp)")
     parser.add_argument("--seed", type=int, default=1, help="seed of the random sample (default 1)")
     parser.add_argument("--sample", default="all", help="how many mutants to draw at random, or 'all' (default)")
+    parser.add_argument("--same-as", metavar="RESULTS", help="only the mutants of an earlier results file (a sample run again after new tests)")
     parser.add_argument("--grep", metavar="REGEX", help="only mutants whose FILE:LINE<TAB>CHANGE<TAB>LINE-TEXT matches")
     parser.add_argument("--out", help="append results to this file (default: standard output only)")
     parser.add_argument("--resume", metavar="RESULTS", help="skip mutants already in RESULTS; results append to it unless --out")
@@ -389,14 +390,18 @@ def main():
     if args.grep:
         mutants = [m for m in mutants if re.search(args.grep, "%s:%d\t%s\t%s" % (m.path, m.line, m.change, m.text))]
     generated = len(mutants)
-    skipped = [m for m in mutants if m.key() in equivalents]
-    mutants = [m for m in mutants if m.key() not in equivalents]
+    # Drawn before the equivalents are left out, so a sample stays the same as the list grows.
     if args.sample != "all":
         chosen = random.Random(args.seed).sample(range(len(mutants)), min(int(args.sample), len(mutants)))
         mutants = [mutants[i] for i in sorted(chosen)]
+    if args.same_as:
+        again = read_results(args.same_as)
+        mutants = [m for m in mutants if m.key() in again]
+    skipped = [m for m in mutants if m.key() in equivalents]
+    mutants = [m for m in mutants if m.key() not in equivalents]
     todo = [m for m in mutants if m.key() not in done]
-    print("mutate: %d mutants generated, %d listed as equivalent, %d selected, %d to run"
-          % (generated, len(skipped), len(mutants), len(todo)), file=sys.stderr)
+    print("mutate: %d mutants generated, %d selected, %d of them listed as equivalent, %d to run"
+          % (generated, len(mutants) + len(skipped), len(skipped), len(todo)), file=sys.stderr)
     if args.list:
         for m in todo:
             print("%s:%d\t%s\t%s" % (m.path, m.line, m.change, m.text))
