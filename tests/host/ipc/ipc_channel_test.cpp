@@ -1,103 +1,20 @@
 #include "kavo/host/ipc/ipc_channel.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <iterator>
-#include <stdexcept>
+#include <string>
 #include <thread>
-#include <tuple>
 
 #include "kavo/host/ipc/ipc_server.h"
-#include "kavo/host/ipc/ipc_skeleton.h"
+#include "tests/host/ipc/channel_fixture.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-using Bytes = std::vector<uint8_t>;
-using Kavo::IpcClient;
-using Kavo::IpcResult;
-using Kavo::Parcel;
-
-constexpr uint32_t MAX = 96 * 1024;  // past the server's read chunk, so a frame takes several reads
-
-// The first word picks what the handler does.
-enum Op : int32_t { ECHO = 0x100, DECLINE = 0x200, THROW = 0x300, SLOW = 0x400, UID = 0x500 };
-
-bool Handle(Parcel& request, Parcel& reply)
-{
-    switch (request.ReadInt32()) {
-        case ECHO:
-            return reply.WriteBuffer(request.GetData(), request.GetDataSize());
-        case THROW:
-            throw std::runtime_error("handler fault");
-        case SLOW:
-            std::this_thread::sleep_for(200ms);
-            return reply.WriteInt32(0);
-        case UID:
-            return reply.WriteInt32(Kavo::IPCSkeleton::GetCallingUid());
-        default:
-            return false;
-    }
-}
-
-struct Channel : testing::Test {
-    static Bytes DataOf(const Parcel& p) { return Bytes(p.GetData(), p.GetData() + p.GetDataSize()); }
-    // A little-endian word (a length word need not match), then the bytes.
-    static Bytes Frame(uint32_t word, Bytes bytes)
-    {
-        bytes.insert(bytes.begin(), {uint8_t(word), uint8_t(word >> 8), uint8_t(word >> 16), uint8_t(word >> 24)});
-        return bytes;
-    }
-    static Bytes RequestFrame(const Bytes& bytes) { return Frame(uint32_t(bytes.size()), bytes); }
-    static Bytes ReplyFrame(uint32_t status, const Bytes& b) { return Frame(4 + b.size(), Frame(status, b)); }
-    static bool Send(int fd, const Bytes& b) { return send(fd, b.data(), b.size(), MSG_NOSIGNAL) == ssize_t(b.size()); }
-    // Exactly `size` bytes within `timeoutMs`; false on end of stream, error or timeout.
-    static bool RecvExact(int fd, void* out, size_t size, int timeoutMs)
-    {
-        ssize_t n = 1;
-        for (size_t done = 0; done < size && n > 0; done += size_t(n)) {
-            pollfd entry{fd, POLLIN, 0};
-            n = poll(&entry, 1, timeoutMs) > 0 ? read(fd, static_cast<uint8_t*>(out) + done, size - done) : -1;
-        }
-        return n > 0;
-    }
-    // True when the peer has closed: the next read reports end of stream (or a reset) in time.
-    static bool PeerClosed(int fd, int timeoutMs)
-    {
-        pollfd entry{fd, POLLIN, 0};
-        return poll(&entry, 1, timeoutMs) > 0 && recv(fd, &entry, 1, MSG_DONTWAIT) <= 0;
-    }
-    static int Served(Kavo::IpcServer& server)  // one end of a pair whose other end `server` serves
-    {
-        int mine = -1, theirs = -1;
-        return Kavo::MakeIpcSocketPair(mine, theirs) && server.Serve(theirs) ? mine : -1;
-    }
-    // Open descriptors ("fd") or threads ("task"); waits up to 2 s for `expected`, as threads leave late.
-    static size_t ProcCount(const char* folder, size_t expected = 0)
-    {
-        for (int i = 0;; ++i, std::this_thread::sleep_for(10ms)) {
-            auto count =
-                size_t(std::distance(std::filesystem::directory_iterator(std::string("/proc/self/") + folder), {}));
-            if (expected == 0 || count == expected || i == 200) {
-                return count;
-            }
-        }
-    }
-    // One transaction: the first word of the reply, or minus the failure.
-    static int32_t Call(IpcClient& client, Op op)
-    {
-        Parcel request, reply;
-        request.WriteInt32(op);
-        IpcResult result = client.Transact(request, reply, 2000ms);
-        return result == IpcResult::OK ? reply.ReadInt32() : -static_cast<int32_t>(result);
-    }
-};
+using namespace KavoTest::Ipc;
 
 using ClientAgainstScriptedPeer = Channel;
 
@@ -150,67 +67,6 @@ TEST_F(ClientAgainstScriptedPeer, EachReplyShapeGivesItsResultAndOnlyOkTouchesTh
         EXPECT_EQ(client.Transact(request, reply, 100ms), kept ? IpcResult::PEER_GONE : IpcResult::NOT_CONNECTED)
             << c.name << ": the next transaction";
     }
-}
-
-// Raw connections to a served server, one at a time: a new one once the server closed the last.
-struct ServerAgainstRawPeers : Channel {
-    // Sends a frame and reads its answer: its status, or -1 when the answer is not framed or the
-    // server keeps a connection it gave up on. `data` keeps the reply's bytes.
-    int32_t Exchange(const Bytes& frame)
-    {
-        fd = fd >= 0 ? fd : Served(server);
-        bool sent = Send(fd, frame);
-        uint8_t w[8] = {};
-        bool framed = RecvExact(fd, w, 8, 5000);
-        uint32_t size = w[0] | w[1] << 8 | w[2] << 16;
-        auto status = IpcResult(w[4] | w[5] << 8 | w[6] << 16 | uint32_t(w[7]) << 24);
-        data.assign(size >= 4 ? size - 4 : 0, 0);
-        bool good = sent && framed && size >= 4 && RecvExact(fd, data.data(), data.size(), 5000);
-        if (!good || status > IpcResult::REFUSED) {
-            good = good && PeerClosed(fd, 5000);
-            close(std::exchange(fd, -1));
-        }
-        return good ? static_cast<int32_t>(status) : -1;
-    }
-
-    size_t fdsBefore = ProcCount("fd");
-    size_t threadsBefore = (std::thread([] {}).join(), ProcCount("task"));  // after a sanitizer's helper thread
-    Kavo::IpcServer server{Handle, Kavo::IpcServerOptions{100ms, MAX}};
-    int fd = -1;
-    Bytes data;
-};
-
-TEST_F(ServerAgainstRawPeers, EveryFrameIsAnsweredOrRefusedWithItsReasonAndNothingIsLeftBehind)
-{
-    auto op = [](Op op, const Bytes& rest) { return RequestFrame(Frame(op, rest)); };
-    const std::tuple<const char*, Bytes, IpcResult> cases[] = {
-        {"a request exactly at the frame size", op(ECHO, Bytes(MAX - 4, 0x3C)), IpcResult::OK},
-        {"a declined request keeps the connection", op(DECLINE, {}), IpcResult::REFUSED},
-        {"a throwing handler declines", op(THROW, {}), IpcResult::REFUSED},
-        {"an empty request reaches the handler", RequestFrame({}), IpcResult::REFUSED},
-        {"a length word one past the frame size", Frame(MAX + 1, {}), IpcResult::FRAME_TOO_LARGE},
-        {"the largest length word", Frame(0xFFFFFFFFu, {1, 2, 3}), IpcResult::FRAME_TOO_LARGE},
-        {"a length word cut short stalls past the deadline", {4, 0}, IpcResult::DEADLINE_PASSED},
-        {"a handler slower than the deadline", op(SLOW, {}), IpcResult::DEADLINE_PASSED},
-    };
-    uint64_t observed[8] = {};  // by result
-    for (const auto& [name, frame, expected] : cases) {
-        int32_t status = Exchange(frame);  // an OK answer echoes the request
-        ASSERT_EQ(status, int32_t(expected)) << name;
-        EXPECT_EQ(data, status == 0 ? Bytes(frame.begin() + 4, frame.end()) : Bytes()) << name;
-        observed[status]++;
-    }
-    close(std::exchange(fd, -1));
-    server.WaitUntilIdle();
-    for (int result = 0; result < 8; ++result) {  // one count per transaction
-        EXPECT_EQ(server.GetCount(IpcResult(result)), observed[result]) << Kavo::IpcResultName(IpcResult(result));
-    }
-    // Only the supervisor is left, with its one descriptor.
-    EXPECT_EQ(ProcCount("task", threadsBefore + 1), threadsBefore + 1);
-    EXPECT_EQ(ProcCount("fd"), fdsBefore + 1);
-    server.Stop();
-    EXPECT_EQ(ProcCount("task", threadsBefore), threadsBefore);
-    EXPECT_EQ(ProcCount("fd"), fdsBefore);
 }
 
 TEST_F(Channel, CallingUidIsThePeersKernelUidAndStopLetsARunningHandlerReplyThenClosesEverything)

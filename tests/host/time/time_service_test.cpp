@@ -1,50 +1,19 @@
 #include "kavo/host/time/time_service.h"
 
-#include "kavo/host/device/device.h"
-
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 #include <tuple>
+
+#include "kavo/host/device/device.h"
+#include "tests/host/time/counting_timer.h"
 
 namespace {
 
 using namespace Kavo;
 using namespace Kavo::MiscServices;
-
-// Counts expiries and remembers the boot time and thread of the last one.
-class CountingTimer : public ITimerInfo {
-public:
-    void SetType(const int& t) override { type = t; }
-    void SetRepeat(bool r) override { repeat = r; }
-    void SetInterval(const uint64_t& i) override { interval = i; }
-    void SetWantAgent(std::shared_ptr<AbilityRuntime::WantAgent::WantAgent> w) override { wantAgent = std::move(w); }
-    void OnTrigger() override
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        ++fired_;
-        firedAtMs_ = TimeServiceClient::ReadBootClockMs();
-        thread_ = std::this_thread::get_id();
-        changed_.notify_all();
-    }
-    // Waits up to 5 s for `count` expiries (0: not at all); then the count, boot time and thread.
-    std::tuple<int, int64_t, std::thread::id> WaitFor(int count)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait_for(lock, std::chrono::seconds(5), [&] { return fired_ >= count; });
-        return {fired_, firedAtMs_, thread_};
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    int fired_ = 0;
-    int64_t firedAtMs_ = 0;
-    std::thread::id thread_;
-};
+using KavoTest::CountingTimer;
 
 uint64_t NowMs()
 {
@@ -119,15 +88,6 @@ TEST(TimeServiceTest, TheLastReferenceMayGoInsideACallback)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     EXPECT_TRUE(watch.expired());
-}
-
-TEST(TimeServiceClientTest, AnswersWithoutAService)
-{
-    auto client = TimeServiceClient::GetInstance();
-    ASSERT_NE(client, nullptr);
-    EXPECT_EQ(client->CreateTimer(std::make_shared<CountingTimer>()), 0u);
-    EXPECT_FALSE(client->StartTimer(1, 0) || client->StopTimer(1) || client->DestroyTimer(1));
-    EXPECT_GT(client->GetBootTimeMs(), 0) << "the boot clock needs no service";
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "kavo/host/device/device.h"
 #include "kavo/host/sysevent/sys_event.h"
 
 namespace {
@@ -68,17 +67,6 @@ TEST(PushEventReportTest, RecordTypeChoosesTheSetAndTheEventAddsTheCost)
     Kavo::SysEventRecorder recorder;
     EXPECT_THROW(PushEventReport::SendEvent(static_cast<PushEvent>(5), EXTENSION), std::out_of_range);
     EXPECT_TRUE(recorder.Events().empty()) << "an event outside the catalogue writes nothing";
-}
-
-TEST(PushEventInfoTest, ServiceRecordTakesThisProcesssBundleAndAccount)
-{
-    Kavo::Host::Device device;
-    device.AddAccount({101, true, true, true});
-    device.SetProcessIdentity("com.kavo.push", 101 * 200000 + 3100);
-    device.Activate();
-    PushEventInfo info("kavo.push.IPushService/Subscribe", 0);
-    EXPECT_EQ(std::make_tuple(info.GetBundleName(), info.GetAccountId(), info.GetType(), info.GetCostTime()),
-              std::make_tuple("com.kavo.push", 101, 0, 0u));
 }
 
 }  // namespace

@@ -5,8 +5,7 @@
 
 #include <functional>
 
-#include "kavo/push/platform/system_clock_util.h"
-#include "tests/push/platform/platform_mocks.h"
+#include "tests/push/platform/timer_fixture.h"
 
 namespace KavoTest {
 namespace {
@@ -17,28 +16,7 @@ using Kavo::Push::PushTimerHelper;
 using Kavo::Push::PushTimerInfo;
 using Act = PushBaseRsp (*)(const std::shared_ptr<PushTimerInfo>&);
 
-constexpr int TIME_SERVICE = 3702;
-constexpr int64_t BOOT_MS = 5000000;
-
-class TimerHelperTest : public ::testing::Test {
-protected:
-    TimerHelperTest()
-    {
-        TimeServiceClient::SetBootTimeSource([this] { return bootMs_; });
-    }
-    ~TimerHelperTest() override
-    {
-        TimeServiceClient::SetBootTimeSource(nullptr);
-        TimeServiceClient::SetClientAvailable(true);
-    }
-
-    int64_t bootMs_ = BOOT_MS;
-    ScopedReadiness readiness_;
-    ScopedTimeService service_{TIME_SERVICE};
-    EventRecorder events_;
-    ReportRecorder reports_;
-    Kavo::LogCapture cap_;
-};
+using TimerHelperTest = TimerFixture;
 
 TEST_F(TimerHelperTest, StartAsksForBootTimePlusTheDurationWithTheTypeBits)
 {
@@ -141,19 +119,6 @@ TEST_F(TimerHelperTest, CreationGoesThroughTheRunnerStartDoesNot)
                                       {18, "CreateTimer", 1, "0"},
                                       {18, "CreateTimer", 1, "0"},
                                       {18, "StartTimer", 1, "0"}}));
-}
-
-TEST_F(TimerHelperTest, BootClockBelowOneIsReplacedByMinusOne)
-{
-    const std::pair<int64_t, int64_t> cases[] = {{0, -1}, {1, 1}, {86400000LL * 400, 86400000LL * 400}};
-    for (const auto& [answer, result] : cases) {
-        bootMs_ = answer;
-        EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), result);
-        EXPECT_EQ(events_.Take(), (answer < 1 ? Events{{18, "GetBootTimeMs", 1, std::to_string(answer)}} : Events{}));
-    }
-    TimeServiceClient::SetClientAvailable(false);
-    EXPECT_EQ(Kavo::Push::SystemClockUtil::GetBootTimeMillis(), -1);
-    EXPECT_EQ(events_.Take(), (Events{{18, "GetBootTimeMs", 1, "0"}})) << "no client reads as boot time 0";
 }
 
 }  // namespace

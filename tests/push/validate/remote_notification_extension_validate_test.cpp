@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "kavo/host/log/log.h"
-#include "kavo/push/validate/extension_service.h"
-#include "kavo/push/validate/push_extension_validate.h"
 
 namespace {
 
@@ -54,8 +52,6 @@ TEST(RequestRules, BoundsAreInclusiveAndTheFirstFailureWins)
             RemoteNotificationRequest(c.survival, c.icon, c.content, RemoteNotificationInfo()));
         ExpectResult(rsp, log, c.logs.empty() ? 0 : 401, INT_MIN, c.logs.empty() ? "" : c.logs[0], c.logs);
     }
-    PushBaseRsp rsp = PushExtensionValidate::ValidatePushExtensionInfo(PushExtensionInfo(0, false, PushPayload()));
-    EXPECT_EQ(rsp.GetErrDescription(), "survival time is invalid: 0");
 }
 
 // Limits are KiB, turned into bytes in 32 bits; an oversized icon is taken out of the content.
@@ -90,17 +86,6 @@ TEST(ContentRules, SizesAreComparedWithTheLimitsInBytes)
                      c.inner ? Texts{"remote notification content is invalid: " + c.desc} : Texts{});
         EXPECT_EQ(content.GetOverlayIcon(), c.icon && c.inner ? nullptr : icon);
     }
-}
-
-TEST(ExtensionServiceTest, CallsOnlyTheLatestCallback)
-{
-    ExtensionService service;
-    service.UnLoadService();  // nothing set: nothing happens
-    std::string calls;
-    service.SetUnLoadCallback([&calls] { calls += "first "; });
-    service.SetUnLoadCallback([&calls] { calls += "second "; });
-    service.UnLoadService();
-    EXPECT_EQ(calls, "second ");
 }
 
 }  // namespace
