@@ -25,7 +25,8 @@ namespace fs = std::filesystem;
 
 const char* const NO_FILE = nullptr;
 const char* const A_FIFO = "<fifo>";
-const char* const OVER_64_MIB = "<huge>";  // a sparse file one byte over 64 MiB
+const char* const OVER_64_MIB = "<huge>";      // a sparse file one byte over 64 MiB
+const char* const EXACTLY_64_MIB = "<limit>";  // a sparse file of 64 MiB: zero bytes, no JSON
 
 enum Op { ROOT, STRING, ARRAY, SET, SET_CAPPED };
 
@@ -41,7 +42,7 @@ protected:
         env_ = std::make_unique<KavoTest::ScopedEnv>("KAVO_CONFIG_DIRS", (dir_ + "/nowhere:" + dir_ + "/cfg").c_str());
     }
     void TearDown() override { fs::remove_all(dir_); }
-    // Lays out `content` (NO_FILE, A_FIFO, OVER_64_MIB or the text) as `file` ("@/name" in the scratch folder,
+    // Lays out `content` (NO_FILE, A_FIFO, OVER_64_MIB, EXACTLY_64_MIB or the text) as `file` ("@/name" in the scratch folder,
     // "cfg/name" a configuration file, anything else a path passed as it is), runs `op` on it and
     // gives what it left: ROOT the root's compact text, STRING the member "k", ARRAY the set (seeded
     // with "seed") read from the member "hosts", joined with ','; SET (of "k" to "n\u00e9", the file
@@ -54,9 +55,9 @@ protected:
         const std::string onDisk = file.rfind("@/", 0) == 0 ? dir_ + file.substr(1) : dir_ + "/" + file;
         if (content == A_FIFO) {
             mkfifo(onDisk.c_str(), 0600);
-        } else if (content == OVER_64_MIB) {
+        } else if (content == OVER_64_MIB || content == EXACTLY_64_MIB) {
             std::ofstream(onDisk).close();
-            fs::resize_file(onDisk, (64u << 20) + 1);
+            fs::resize_file(onDisk, (64u << 20) + (content == OVER_64_MIB));
         } else if (content != NO_FILE) {
             fs::create_directories(fs::path(onDisk).parent_path());
             std::ofstream(onDisk, std::ios::binary) << content;
@@ -129,6 +130,8 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"a device is no file to open", ROOT, "/dev/zero", NO_FILE, "Open file error.", "", Strings{open}},
         {"a file over 64 MiB is not read", ROOT, "@/f", OVER_64_MIB, "Read file failed " + tooLarge + ".", "",
          Strings{"E GetJsonRootFromPath: Read File Failed " + tooLarge + "."}},
+        {"a file of exactly 64 MiB is read", ROOT, "@/f", EXACTLY_64_MIB, "Read file failed " + notJson, "",
+         Strings{"E GetJsonRootFromPath: Read File Failed " + notJson}},
         {"no JSON", ROOT, "@/f", "x", "Read file failed " + notJson, "",
          Strings{"E GetJsonRootFromPath: Read File Failed " + notJson}},
         {"nesting too deep", ROOT, "@/f", deep.c_str(), "Read file failed Exceeded stackLimit in readValue()..", "",
