@@ -219,6 +219,12 @@ def generate(path, source):
                     changed = literal[:k] + new + literal[k + 1:]
                     add('"%s" to "%s"' % (literal, changed), lo + k, lo + k + 1, new, "text")
         previous = code.strip()
+    # A line whose text repeats in the file keys its mutants by which occurrence it is.
+    keys = {}
+    for m in mutants:
+        keys[(m.text, m.change)] = keys.get((m.text, m.change), 0) + 1
+        if keys[(m.text, m.change)] > 1:
+            m.change += " #%d" % keys[(m.text, m.change)]
     return mutants
 
 
