@@ -330,8 +330,23 @@ class Workspace:
 
 
 def failed_tests(output):
-    names = re.findall(r"^\s*\d+ - (\S+) \(", output, re.M)
+    found = re.findall(r"^\s*\d+ - (\S+) \((\w+)", output, re.M)
+    names = [name + (" (timeout)" if kind == "Timeout" else "") for name, kind in found]
     return names or ["ctest"]
+
+
+def run_tests(workspace, ctest):
+    """The failing tests, or None when all pass. A failure counts only when the failed tests fail
+    again on their own: a machine paused or loaded past a timeout is not a kill."""
+    for _ in range(2):
+        code, output = workspace.run(ctest)
+        if code == 0:
+            return None
+        tests = failed_tests(output)
+        code, _ = workspace.run(ctest + ["--rerun-failed"])
+        if code:
+            return tests
+    return tests
 
 
 def score(statuses):
@@ -435,9 +450,9 @@ def main():
     if code:
         sys.exit("mutate: the unchanged tree does not build:\n%s" % output[-4000:])
     if not args.no_baseline:
-        code, output = workspace.run(ctest)
-        if code:
-            sys.exit("mutate: the unchanged tree fails its tests: %s" % " ".join(failed_tests(output)))
+        failed = run_tests(workspace, ctest)
+        if failed:
+            sys.exit("mutate: the unchanged tree fails its tests: %s" % " ".join(failed))
 
     out = open(out_path, "a", encoding="utf-8") if out_path else None
     statuses = [done[m.key()] for m in mutants if m.key() in done]
@@ -455,10 +470,10 @@ def main():
             if code:
                 status = "no-compile"
             else:
-                code, output = workspace.run(ctest)
-                status = "killed" if code else "survived"
-                if code:
-                    tests = ",".join(failed_tests(output))
+                failed = run_tests(workspace, ctest)
+                status = "killed" if failed else "survived"
+                if failed:
+                    tests = ",".join(failed)
             workspace.restore()
             statuses.append(status)
             row = "%s:%d\t%s\t%s\t%s\t%s" % (m.path, m.line, m.change, status, tests, m.text)
