@@ -22,6 +22,7 @@ TEST(PushLoggerTest, GuardMasksEverySecondLetterOrDigitAndTagsByKind)
         {"colons continue the alternation", "fe80::1ff:fe23", "f*8*::1*f:*e*3"},
         {"dash restarts the alternation", "ab-cd", "a*-c*"},
         {"non-ascii bytes restart it", "é1a", "é1*"},
+        {"the ends of each range count, the bytes beside them do not", "@AZ[`az{/09;", "@A*[`a*{/0*;"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(PushLogger::LogGuard(c.input), c.masked) << c.name;

@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -67,6 +68,7 @@ protected:
         Json::Value root("untouched");
         std::string value = "untouched";
         std::set<std::string> values = {"seed"};
+        errno = EINTR;  // left by an interrupted call of the caller's: no read may take it for its own
         switch (op) {
             case ROOT:
                 rsp = PushJsonHelper::GetJsonRootFromPath(path, config, root);

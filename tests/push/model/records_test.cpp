@@ -200,6 +200,8 @@ TEST(RecordTest, RecordsOneFieldApartAreUnequal)
 {
     const VoIPInfo voip("t", "d", "c1");
     const RemoteNotificationResult result(ContentOf(0), Params());
+    MsgTimePoints points = *ContentOf(0x40).GetMsgTimePoints(), later = points;
+    later.timePoint5_ = 7;
     const std::pair<const char*, bool> equalities[] = {
         {"VoIP info: call id", voip == VoIPInfo("t", "d", "c2")},
         {"VoIP info: payload", voip == VoIPInfo("t", "x", "c1")},
@@ -209,6 +211,7 @@ TEST(RecordTest, RecordsOneFieldApartAreUnequal)
         {"call report: status", ReportVoIPCallParams("c1", 4) == ReportVoIPCallParams("c1", 5)},
         {"result: content", result == RemoteNotificationResult(ContentOf(1), Params())},
         {"result: parameters", result == RemoteNotificationResult(ContentOf(0), nullptr)},
+        {"time points: the last", points == later},
     };
     for (const auto& [name, equal] : equalities) {
         EXPECT_FALSE(equal) << name;
