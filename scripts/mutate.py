@@ -365,10 +365,13 @@ def score_line(statuses, equivalent):
 
 
 def report(results_path):
+    equivalents = read_equivalents()
     results = read_results(results_path)
-    print(score_line(list(results.values()), 0))
+    listed = [k for k in results if k in equivalents]
+    results = {k: v for k, v in results.items() if k not in equivalents}
+    print(score_line(list(results.values()), len(listed)))
     plain = [v for k, v in results.items() if not k[2].startswith('"')]
-    print("without text changes: " + score_line(plain, 0))
+    print("without text changes: " + score_line(plain, len([k for k in listed if not k[2].startswith('"')])))
 
 
 def main():
