@@ -72,7 +72,7 @@ TEST(SystemAbilityStatusServiceTest, TaskRunnerWaitsOnlyForStoppedServices)
          "D Begin do task for ability:1301|I call|W Begin do task for ability:1301 again|I call|"
          "E Sa interface invoke fail|", 1},
         {"a stopped service that never comes: ten polls, then the failure", Registry{{ANCHOR, Sas::STARTED}}, 401,
-         Attempts{inner, ok}, "q: error(1000900001), innerCode(100000142)",
+         Attempts{bad, ok}, "bad: error(1000900001), innerCode(100000142)",
          "D Begin do task for ability:401|I call|E Task for ability:401 stopped|", 10},
         {"1301, another code: no wait", Registry{}, 1301, Attempts{inner, ok},
          "q: error(1000900001), innerCode(100000016)",
