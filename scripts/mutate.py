@@ -4,8 +4,9 @@
 Each mutant is one small change to one source file: a comparison flipped, a boundary moved, `&&`
 and `||` swapped, an integer constant off by one, a call statement deleted, or one letter of a
 string literal changed. For each, the file is changed in place, the build tree is rebuilt
-incrementally, `ctest` runs (a test that hangs past the timeout kills the mutant), and the file is
-restored. A mutant that does not compile is not counted.
+incrementally, `ctest` runs (a test that hangs past the timeout kills the mutant; a failure counts
+only when the failed tests fail again on their own), and the file is restored. A mutant that does
+not compile is not counted.
 
 Results go one line per mutant, tab-separated:
     FILE:LINE  CHANGE  killed|survived|no-compile  FAILING-TESTS  LINE-TEXT
