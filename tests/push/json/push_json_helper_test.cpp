@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -178,14 +179,22 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"set: an array root is refused before opening", SET, "@/f", "[1, 2]", "Write to file error: " + refused + ".",
          "[1, 2]", Strings{"E SetStringToJson: Write to File Error: " + refused}},
     };
+    // Standard input closed, as in a daemon: a file the library opens may be descriptor 0.
+    const int input = dup(0);
+    close(0);
+    auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
     for (const Case& c : cases) {
         Kavo::LogCapture cap;
         PushBaseRsp rsp;
+        const auto opened = openFiles();
         EXPECT_EQ(Run(c.op, c.file, c.content, rsp), c.value) << c.name;
+        EXPECT_EQ(openFiles(), opened) << c.name << ": a file left open";
         EXPECT_EQ(rsp.GetErrAsInt32(), c.desc.empty() ? 0 : 1000900001) << c.name;
         EXPECT_EQ(rsp.GetErrDescription(), c.desc) << c.name;
         EXPECT_EQ(KavoTest::LogLines(cap), c.logs) << c.name;
     }
+    dup2(input, 0);
+    close(input);
 }
 
 }  // namespace
