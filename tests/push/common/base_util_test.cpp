@@ -91,6 +91,7 @@ TEST(BaseUtilRetryTest, RunsUntilSuccessOrRetriesAreSpentPausingBetweenCalls)
         {"negative retries runs once", -4, 20, NEVER, 1},
         {"three retries all failing runs four times", 3, 20, NEVER, 4},
         {"a negative interval retries without pausing (else this run hangs)", 2, INT32_MIN, NEVER, 3},
+        {"a one-millisecond interval pauses too", 1, 1, NEVER, 2},
     };
     // Only lower bounds on the pauses: a loaded machine may stretch them, never shorten them.
     for (const auto& c : cases) {

@@ -22,6 +22,7 @@ TEST(PushLoggerTest, GuardMasksEverySecondLetterOrDigitAndTagsByKind)
         {"colons continue the alternation", "fe80::1ff:fe23", "f*8*::1*f:*e*3"},
         {"dash restarts the alternation", "ab-cd", "a*-c*"},
         {"non-ascii bytes restart it", "é1a", "é1*"},
+        {"the ends of each range count, the bytes beside them do not", "@AZ[`az{/09;", "@A*[`a*{/0*;"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(PushLogger::LogGuard(c.input), c.masked) << c.name;
@@ -35,10 +36,11 @@ TEST(PushLoggerTest, GuardMasksEverySecondLetterOrDigitAndTagsByKind)
         {"data tag of 12 characters", "data12345678", "data12***678"},
         {"data tag of 11 characters falls back to half", "data1234567", "data1******"},
         {"other tag keeps its first half, rounded down", "abcde", "ab***"},
+        {"a one-character tag is masked whole", "x", "*"},
         {"dots and colons survive the half mask", "abcd:e.f", "abcd:*.*"},
     };
     for (const auto& c : tagCases) {
-        EXPECT_EQ(PushLogger::LogGuardTag(c.input), c.masked) << c.name;
+        EXPECT_EQ(PushLogger::LogGuardTag(c.input).c_str(), c.masked) << c.name;  // as a log line reads it
     }
 }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -25,7 +27,8 @@ namespace fs = std::filesystem;
 
 const char* const NO_FILE = nullptr;
 const char* const A_FIFO = "<fifo>";
-const char* const OVER_64_MIB = "<huge>";  // a sparse file one byte over 64 MiB
+const char* const OVER_64_MIB = "<huge>";      // a sparse file one byte over 64 MiB
+const char* const EXACTLY_64_MIB = "<limit>";  // a sparse file of 64 MiB: zero bytes, no JSON
 
 enum Op { ROOT, STRING, ARRAY, SET, SET_CAPPED };
 
@@ -41,7 +44,7 @@ protected:
         env_ = std::make_unique<KavoTest::ScopedEnv>("KAVO_CONFIG_DIRS", (dir_ + "/nowhere:" + dir_ + "/cfg").c_str());
     }
     void TearDown() override { fs::remove_all(dir_); }
-    // Lays out `content` (NO_FILE, A_FIFO, OVER_64_MIB or the text) as `file` ("@/name" in the scratch folder,
+    // Lays out `content` (NO_FILE, A_FIFO, OVER_64_MIB, EXACTLY_64_MIB or the text) as `file` ("@/name" in the scratch folder,
     // "cfg/name" a configuration file, anything else a path passed as it is), runs `op` on it and
     // gives what it left: ROOT the root's compact text, STRING the member "k", ARRAY the set (seeded
     // with "seed") read from the member "hosts", joined with ','; SET (of "k" to "n\u00e9", the file
@@ -54,9 +57,9 @@ protected:
         const std::string onDisk = file.rfind("@/", 0) == 0 ? dir_ + file.substr(1) : dir_ + "/" + file;
         if (content == A_FIFO) {
             mkfifo(onDisk.c_str(), 0600);
-        } else if (content == OVER_64_MIB) {
+        } else if (content == OVER_64_MIB || content == EXACTLY_64_MIB) {
             std::ofstream(onDisk).close();
-            fs::resize_file(onDisk, (64u << 20) + 1);
+            fs::resize_file(onDisk, (64u << 20) + (content == OVER_64_MIB));
         } else if (content != NO_FILE) {
             fs::create_directories(fs::path(onDisk).parent_path());
             std::ofstream(onDisk, std::ios::binary) << content;
@@ -66,6 +69,7 @@ protected:
         Json::Value root("untouched");
         std::string value = "untouched";
         std::set<std::string> values = {"seed"};
+        errno = EINTR;  // left by an interrupted call of the caller's: no read may take it for its own
         switch (op) {
             case ROOT:
                 rsp = PushJsonHelper::GetJsonRootFromPath(path, config, root);
@@ -129,6 +133,8 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"a device is no file to open", ROOT, "/dev/zero", NO_FILE, "Open file error.", "", Strings{open}},
         {"a file over 64 MiB is not read", ROOT, "@/f", OVER_64_MIB, "Read file failed " + tooLarge + ".", "",
          Strings{"E GetJsonRootFromPath: Read File Failed " + tooLarge + "."}},
+        {"a file of exactly 64 MiB is read", ROOT, "@/f", EXACTLY_64_MIB, "Read file failed " + notJson, "",
+         Strings{"E GetJsonRootFromPath: Read File Failed " + notJson}},
         {"no JSON", ROOT, "@/f", "x", "Read file failed " + notJson, "",
          Strings{"E GetJsonRootFromPath: Read File Failed " + notJson}},
         {"nesting too deep", ROOT, "@/f", deep.c_str(), "Read file failed Exceeded stackLimit in readValue()..", "",
@@ -173,14 +179,22 @@ TEST_F(JsonFileTest, EachOperationReportsEachFailureWithItsTexts)
         {"set: an array root is refused before opening", SET, "@/f", "[1, 2]", "Write to file error: " + refused + ".",
          "[1, 2]", Strings{"E SetStringToJson: Write to File Error: " + refused}},
     };
+    // Standard input closed, as in a daemon: a file the library opens may be descriptor 0.
+    const int input = dup(0);
+    close(0);
+    auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
     for (const Case& c : cases) {
         Kavo::LogCapture cap;
         PushBaseRsp rsp;
+        const auto opened = openFiles();
         EXPECT_EQ(Run(c.op, c.file, c.content, rsp), c.value) << c.name;
+        EXPECT_EQ(openFiles(), opened) << c.name << ": a file left open";
         EXPECT_EQ(rsp.GetErrAsInt32(), c.desc.empty() ? 0 : 1000900001) << c.name;
         EXPECT_EQ(rsp.GetErrDescription(), c.desc) << c.name;
         EXPECT_EQ(KavoTest::LogLines(cap), c.logs) << c.name;
     }
+    dup2(input, 0);
+    close(input);
 }
 
 }  // namespace

@@ -195,4 +195,27 @@ TEST(RecordTest, EveryRecordKeepsItsLayoutAndFailsEveryCutAndWriteWithItsLines)
     }
 }
 
+// The rows' reads compare with ==, and so do the fuzz oracles: one field apart is unequal.
+TEST(RecordTest, RecordsOneFieldApartAreUnequal)
+{
+    const VoIPInfo voip("t", "d", "c1");
+    const RemoteNotificationResult result(ContentOf(0), Params());
+    MsgTimePoints points = *ContentOf(0x40).GetMsgTimePoints(), later = points;
+    later.timePoint5_ = 7;
+    const std::pair<const char*, bool> equalities[] = {
+        {"VoIP info: call id", voip == VoIPInfo("t", "d", "c2")},
+        {"VoIP info: payload", voip == VoIPInfo("t", "x", "c1")},
+        {"VoIP request: survival time", VoIPRequest(45, voip) == VoIPRequest(46, voip)},
+        {"VoIP request: info", VoIPRequest(45, voip) == VoIPRequest(45, VoIPInfo("t", "d", "c2"))},
+        {"call report: call id", ReportVoIPCallParams("c1", 4) == ReportVoIPCallParams("c2", 4)},
+        {"call report: status", ReportVoIPCallParams("c1", 4) == ReportVoIPCallParams("c1", 5)},
+        {"result: content", result == RemoteNotificationResult(ContentOf(1), Params())},
+        {"result: parameters", result == RemoteNotificationResult(ContentOf(0), nullptr)},
+        {"time points: the last", points == later},
+    };
+    for (const auto& [name, equal] : equalities) {
+        EXPECT_FALSE(equal) << name;
+    }
+}
+
 }  // namespace

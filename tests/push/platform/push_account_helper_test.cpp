@@ -27,7 +27,7 @@ struct RetriedOp {
     std::function<void(MockAccountService&, Code)> expectCall;
     std::function<PushBaseRsp()> act;
     const char* eventApi;  // null: no analytics event on a failure code
-    std::string notStarted, failDesc;
+    std::string notStarted, failDesc, retryFail;  // retryFail: the line's text before the result's
     Texts failLines;  // for code 2
 };
 
@@ -40,10 +40,12 @@ std::vector<RetriedOp> RetriedOps()
         {[](auto& m, Code code) { EXPECT_CALL(m, QueryActiveOsAccountIds(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::QueryActiveOsAccountIds(ids); }, "QueryActiveOsAccountIds",
          "query active os accountIds fail: account sa not started", "query active accountId fail: 2",
+         "QueryActiveOsAccountIds fail: ",
          Texts{"E query active accountId fail: 2"}},
         {[](auto& m, Code code) { EXPECT_CALL(m, GetForegroundOsAccounts(_)).WillRepeatedly(code); },
          [] { return PushAccountHelper::GetForegroundOsAccounts(ids); }, nullptr,
          "getForegroundOsAccounts fail: account sa not started", "get foreground accountId failed 2",
+         "GetForegroundOsAccounts fail: ",
          Texts{"E Call GetForegroundOsAccounts failed 2", "E get foreground accountId failed 2"}},
         {[](auto& m, Code code) {
              auto answer = [code](int& id) { return id = 101, code(); };
@@ -51,7 +53,7 @@ std::vector<RetriedOp> RetriedOps()
          },
          [] { return PushAccountHelper::GetForegroundOsAccountLocalId(localId); }, "GetForegroundOsAccountLocalId",
          "GetForegroundOsAccountLocalId fail: current userId not obtain",
-         "the os account verifie fail: 2, localId: 101",
+         "the os account verifie fail: 2, localId: 101", "GetForegroundOsAccountLocalId fail: ",
          Texts{"E GetForegroundOsAccountLocalId failed: 2, localId: 101",
                "E GetForegroundOsAccountLocalId retry failed: 2, localId: 101"}},
         {[](auto& m, Code code) {
@@ -60,10 +62,11 @@ std::vector<RetriedOp> RetriedOps()
          },
          [] { return PushAccountHelper::IsOsAccountVerified(verified); }, "IsOsAccountVerified",
          "isOsAccountVerified fail: account sa not started", "the os account verifie fail: 2, userId: 100",
+         "isOsAccountVerified fail: ",
          Texts{"E isOsAccountVerified failed: 2, userId: 100", "E isOsAccountVerified retry failed: 2, userId: 100"}},
         {[](auto& m, Code code) { EXPECT_CALL(m, GetOsAccountLocalIdFromProcess(_)).WillRepeatedly(code); },
          [] { return Kavo::Push::PushBundleHelper::GetCurrAccountId(localId); }, nullptr,
-         "get os account localId fail: account sa not started", "Get os accountId failed",
+         "get os account localId fail: account sa not started", "Get os accountId failed", "Get curr account id fail: ",
          Texts{"E Get os accountId failed"}},
     };
 }
@@ -101,7 +104,8 @@ TEST_F(AccountQueryTest, RetriedSkeletonOfEveryOperation)
         PushBaseRsp rsp = op.act();
         EXPECT_EQ(std::make_tuple(int(rsp.GetErr()), rsp.GetErrDescription(), rsp.GetInnerErr()),
                   std::make_tuple(1000900001, op.notStarted, int(Kavo::Push::INNER_ERR_SA_INVOKE_FAILED)));
-        EXPECT_TRUE(HasLine(cap_, op.notStarted) && HasLine(cap_, "Task for ability:200 is started"));
+        EXPECT_TRUE(HasLine(cap_, op.notStarted) && HasLine(cap_, "Task for ability:200 is started") &&
+                    HasLine(cap_, op.retryFail + rsp.GetInfo()));
     }
 }
 

@@ -198,6 +198,21 @@ TEST_F(BundleQueryTest, ExtensionExistComparesOnlyTheFirstEntryOfTheAppIndex)
     }
 }
 
+// An ability query takes the first answer, and only from a query that succeeded with one.
+TEST_F(BundleQueryTest, AbilityQueryTakesTheFirstAnswerOfASuccess)
+{
+    AbilityInfo first, second;
+    first.name = "First", second.name = "Second";
+    const std::tuple<std::vector<AbilityInfo>, int32_t, std::string> cases[] = {
+        {{first, second}, 0, "First"}, {{}, 0, "kept"}, {{first}, 9, "kept"}};
+    for (const auto& [answer, code, name] : cases) {
+        EXPECT_CALL(**bms_, FindAbilities(_, 0, USER, _)).WillOnce(DoAll(SetArgReferee<3>(answer), Return(code)));
+        ability_.name = "kept";
+        PushBundleHelper::GetMainAbility(MAIL, USER, ability_);
+        EXPECT_EQ(ability_.name, name) << code;
+    }
+}
+
 TEST_F(BundleQueryTest, BrowserIsLookedUpForTheFirstForegroundAccount)
 {
     struct Case {
